@@ -1,0 +1,52 @@
+# The plug-in. `Tarvelline` is the shared code (framework modules and our sources, compiled once);
+# `Tarvelline_VST3` wraps it as the module a host loads.
+find_package(JUCE 7.0.5 CONFIG REQUIRED)
+
+juce_add_plugin(Tarvelline
+    PLUGIN_NAME "Tarvelline"
+    PRODUCT_NAME "Tarvelline"
+    COMPANY_NAME "Vorntaal"
+    VERSION "${PROJECT_VERSION}"
+    BUNDLE_ID "org.vorntaal.tarvelline"
+    PLUGIN_MANUFACTURER_CODE Vorn
+    PLUGIN_CODE Tarv
+    FORMATS VST3
+    IS_SYNTH FALSE
+    NEEDS_MIDI_INPUT TRUE
+    NEEDS_MIDI_OUTPUT FALSE
+    IS_MIDI_EFFECT FALSE
+    VST3_CATEGORIES Fx "Pitch Shift"
+    COPY_PLUGIN_AFTER_BUILD FALSE)
+
+target_compile_definitions(Tarvelline PUBLIC
+    JUCE_VST3_CAN_REPLACE_VST2=0
+    JUCE_USE_CURL=0
+    JUCE_WEB_BROWSER=0
+    JUCE_USE_FLAC=0
+    JUCE_USE_OGGVORBIS=0
+    JUCE_DISPLAY_SPLASH_SCREEN=0
+    # The command-line renderer and the host tests load the finished module through the framework's own hosting,
+    # and link this same library so that the framework is compiled once.
+    JUCE_PLUGINHOST_VST3=1)
+
+target_include_directories(Tarvelline PUBLIC "${PROJECT_SOURCE_DIR}")
+target_compile_options(Tarvelline PRIVATE $<$<CONFIG:Release>:-O3>)
+
+target_link_libraries(Tarvelline
+    PRIVATE
+        juce::juce_audio_utils
+    PUBLIC
+        tarvelline_engine)
+
+add_subdirectory(processor)
+
+# Lets a program use the shared code: its headers, definitions and objects, without compiling the framework again.
+function(tarvelline_use_shared_code target)
+    target_include_directories(${target} SYSTEM PRIVATE $<TARGET_PROPERTY:Tarvelline,INCLUDE_DIRECTORIES>)
+    target_include_directories(${target} BEFORE PRIVATE "${PROJECT_SOURCE_DIR}")
+    target_compile_definitions(${target} PRIVATE $<TARGET_PROPERTY:Tarvelline,COMPILE_DEFINITIONS>)
+    target_link_libraries(${target} PRIVATE Tarvelline tarvelline_warnings)
+endfunction()
+
+# Where the finished module stands, for the programs that load it.
+set(TARVELLINE_MODULE_PATH "$<TARGET_PROPERTY:Tarvelline_VST3,JUCE_PLUGIN_ARTEFACT_FILE>")
