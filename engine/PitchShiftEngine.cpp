@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/PitchShiftEngine.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+
+namespace tarvelline
+{
+namespace
+{
+constexpr float hopShare = 1.0f / 8.0f;  // hops are spans over the overlap factor of 8
+constexpr float resynthesisGain = 0.26f; // eight overlapping squared sine windows sum to 4: 1.04 in all
+constexpr int minimumInitialSpan = 400;  // samples; the shortest synthesis span that an engine starts with ...
+constexpr int minimumSpan = 250;         // ... and the shortest that a ratio leads to
+constexpr float minimumRatio = 1.0e-10f;
+constexpr float maximumRatio = 96.0f;
+constexpr float minimumFormantRatio = 0.001f; // in place of a negative one
+constexpr float loudestSample = 1.0e4f;       // +80 dBFS: no signal, and its square would soon leave single precision
+
+int scaledLength (int length, float factor) noexcept { return static_cast<int> (static_cast<float> (length) * factor); }
+
+/** What is no sample of any signal counts as silence: an infinity would stay in the running phasors for ever. */
+float signalOrSilence (float sample) noexcept { return std::abs (sample) <= loudestSample ? sample : 0.0f; }
+} // namespace
+
+void PitchShiftEngine::prepare (int frameLength, float frequencyScale, float sampleRate)
+{
+    ready = false;
+    frameSize = frameLength;
+    inRingMask = frameSize - 1;
+    outRingMask = 2 * frameSize - 1;
+    binCount = frameSize / 2;
+    outputGain = resynthesisGain / static_cast<float> (frameSize);
+
+    transform.init (frameSize);
+    tables = EngineTables (frameSize, frequencyScale, sampleRate);
+
+    const auto n = static_cast<std::size_t> (frameSize), k = n / 2;
+    ratioHistory.resize (n);
+    lockCount.resize (k);
+    previousSum.resize (k);
+    sumScratch.resize (k + 1);
+
+    for (auto& channel : channelState)
+    {
+        channel.inRing.resize (n);
+        channel.outRing.resize (2 * n);
+
+        for (auto* frame : { &channel.lowFrame, &channel.highFrame })
+            frame->resize (n + 1);
+
+        for (auto* perBin : { &channel.magnitude, &channel.shapedMagnitude })
+            perBin->resize (k);
+
+        for (auto* spectrum : { &channel.advance, &channel.lastPhasor, &channel.synthPhasor })
+            spectrum->resize (n);
+    }
+
+    requestedRatio = appliedRatio = 1.0f;
+    formantRatio = appliedFormantRatio = 1.0f;
+    inPos = outPos = 0;
+    channelCount = maxChannels;
+    reset();
+
+    analysisSpan = frameSize;
+    analysisHop = scaledLength (analysisSpan, hopShare);
+    synthesisSpan = std::max (frameSize, minimumInitialSpan);
+    synthesisHop = scaledLength (synthesisSpan, hopShare);
+    overlapLength = frameSize - analysisHop;
+    activeBins = binCount;
+    ready = true;
+}
+
+void PitchShiftEngine::reset() noexcept
+{
+    const auto clear = [] (auto& buffer) { std::fill (buffer.begin(), buffer.end(), 0.0f); };
+
+    std::fill (ratioHistory.begin(), ratioHistory.end(), requestedRatio);
+    std::fill (lockCount.begin(), lockCount.end(), std::uint8_t { 0 });
+    clear (previousSum);
+    clear (sumScratch);
+
+    for (auto& channel : channelState)
+        for (auto* buffer : { &channel.inRing, &channel.outRing, &channel.lowFrame, &channel.highFrame,
+                              &channel.magnitude, &channel.shapedMagnitude, &channel.advance, &channel.lastPhasor })
+            clear (*buffer); // synthPhasor stays: with every bin unlocked the next frame overwrites it
+
+    analysisCounter = synthesisCounter = 0;
+}
+
+void PitchShiftEngine::setRatios (float pitchRatio, float newFormantRatio) noexcept
+{
+    // Written so that a NaN, for which every comparison is false, ends at the lower bound.
+    requestedRatio = pitchRatio >= minimumRatio ? std::min (pitchRatio, maximumRatio) : minimumRatio;
+    formantRatio = newFormantRatio >= 0.0f ? newFormantRatio : minimumFormantRatio;
+}
+
+void PitchShiftEngine::processFrame (const float* in, float* out, int channels) noexcept
+{
+    assert (ready && channels >= 1 && channels <= maxChannels);
+    channelCount = channels;
+    ratioHistory[static_cast<std::size_t> (inPos)] = requestedRatio;
+
+    for (int c = 0; c < channelCount; ++c)
+    {
+        auto& channel = channelState[static_cast<std::size_t> (c)];
+        channel.inRing[static_cast<std::size_t> (inPos)] = signalOrSilence (in[c]);
+        out[c] = channel.outRing[static_cast<std::size_t> ((outPos - frameSize) & outRingMask)];
+    }
+
+    outPos = (outPos + 1) & outRingMask;
+    inPos = (inPos + 1) & inRingMask;
+
+    if (++analysisCounter >= analysisHop)
+    {
+        analysisCounter = 0;
+        analyseFrame();
+    }
+
+    if (++synthesisCounter >= synthesisHop)
+    {
+        synthesisCounter = 0;
+        synthesiseFrame();
+        updateRatio();
+    }
+}
+
+void PitchShiftEngine::updateRatio() noexcept
+{
+    if (requestedRatio == appliedRatio)
+        return;
+
+    const auto oldSpan = synthesisSpan;
+    appliedRatio = requestedRatio;
+
+    if (appliedRatio < 1.0f)
+        stretchAnalysis (appliedRatio);
+    else
+        compressSynthesis (appliedRatio);
+
+    clearOutput (std::min (oldSpan, synthesisSpan), std::max (oldSpan, synthesisSpan));
+}
+
+void PitchShiftEngine::stretchAnalysis (float ratio) noexcept
+{
+    analysisSpan = std::max (scaledLength (frameSize, ratio), minimumSpan);
+    analysisHop = scaledLength (analysisSpan, hopShare);
+    synthesisSpan = frameSize;
+    synthesisHop = scaledLength (frameSize, hopShare);
+    overlapLength = frameSize - synthesisHop;
+    activeBins = scaledLength (binCount, ratio);
+}
+
+void PitchShiftEngine::compressSynthesis (float ratio) noexcept
+{
+    const auto inverseRatio = 1.0f / ratio;
+
+    analysisSpan = frameSize;
+    analysisHop = scaledLength (frameSize, hopShare);
+    synthesisSpan = std::max (scaledLength (frameSize, inverseRatio), minimumSpan);
+    synthesisHop = scaledLength (synthesisSpan, hopShare);
+    overlapLength = synthesisSpan - synthesisHop;
+    activeBins = scaledLength (binCount, inverseRatio);
+}
+
+void PitchShiftEngine::clearOutput (int firstOffset, int endOffset) noexcept
+{
+    const auto base = outPos - frameSize;
+
+    for (int c = 0; c < channelCount; ++c)
+        for (int j = firstOffset; j < endOffset; ++j)
+            channelState[static_cast<std::size_t> (c)].outRing[static_cast<std::size_t> ((base + j) & outRingMask)] =
+                0.0f;
+}
+} // namespace tarvelline

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/AlignedVector.h"
+#include "engine/EngineTables.h"
+#include "engine/HartleyTransform.h"
+
+#include <array>
+#include <cstdint>
+
+namespace tarvelline
+{
+/** Shifts the pitch of one or two channels by any ratio, and their spectral envelope by another.
+
+    A phase vocoder with eightfold overlap, driven one sample at a time: every hop (N / 8 samples at ratio 1) a frame is
+    analysed, its bins' phases are carried on, and the frame is overlap-added, resampled by the pitch ratio. Upwards the
+    resynthesised frame is read back compressed; downwards the analysis reads its oldest N * ratio samples stretched over
+    the frame. Below about 650 Hz the whole frame is heard, above it only the middle quarter, which keeps transients sharp.
+
+    Shapes: N = frameSize (2048, 4096 or 8192), K = N / 2 bins; bin k of a spectrum is the pair (x[k], x[K + k]),
+            (1 + i) times its Fourier coefficient.
+    Units: ratios are frequency out / frequency in (2 = an octave up); samples nominally -1 .. 1.
+    Latency: N samples, whatever the ratio. Gain: about 1.04 on a steady signal at ratio 1.
+    Threads: prepare() and reset() while audio is stopped; setRatios() and processFrame() on the audio thread.
+    Real time: processFrame() never allocates, locks or throws. It costs O(channels), and once a hop one forward or two
+            inverse transforms a channel; all memory comes from prepare().
+    Errors: none reported. setRatios() clamps; calling processFrame() unprepared is a caller's fault (asserted). A sample
+            that is not finite, or beyond +-1e4, counts as 0.
+
+    Sources: Flanagan and Golden, "Phase vocoder", Bell Syst. Tech. J. 45(9), 1966: magnitude and phase advance a bin.
+            Laroche and Dolson, "Improved phase vocoder time-scale modification of audio", IEEE Trans. Speech Audio
+            Process. 7(3), 1999: a peak and its flanks are one event; here they share a phase reset, not a locked phase.
+            Roebel, "A new approach to transient processing in the phase vocoder", DAFx-03, 2003: phases start afresh at
+            onsets, bin by bin; here a rise in magnitude marks the onset, not the paper's centre of gravity. */
+class PitchShiftEngine
+{
+public:
+    static constexpr int maxChannels = 2;
+
+    /** Sizes every buffer and builds the tables; ends ready, at ratio 1, silent. Allocates.
+        @param frameLength     N: 2048, 4096 or 8192
+        @param frequencyScale  see EngineTables
+        @param sampleRate      Hz */
+    void prepare (int frameLength, float frequencyScale, float sampleRate);
+
+    /** Clears all signal state, keeps ratios and memory. */
+    void reset() noexcept;
+
+    bool isReady() const noexcept { return ready; }
+    int getFrameSize() const noexcept { return frameSize; }
+
+    /** Asks for a pitch ratio (held to 1e-10 .. 96) and an envelope ratio (1 = envelope untouched; below 0 becomes 0.001).
+        A NaN counts as below. The pitch ratio takes effect inside the next frame, its geometry at the next frame boundary. */
+    void setRatios (float pitchRatio, float newFormantRatio) noexcept;
+
+    /** One sample a channel in, one out, N samples later. `channels` is 1 or 2. */
+    void processFrame (const float* in, float* out, int channels) noexcept;
+
+private:
+    struct Channel
+    {
+        AlignedVector<float> inRing;              // N
+        AlignedVector<float> outRing;             // 2 N
+        AlignedVector<float> lowFrame, highFrame; // N + 1: transform buffers and one entry to interpolate into
+        AlignedVector<float> magnitude;           // K: of the last analysis frame
+        AlignedVector<float> shapedMagnitude;     // K: with the envelope warped
+        AlignedVector<float> advance, lastPhasor, synthPhasor; // N: unit phasors, pair layout
+    };
+
+    // Ratio and geometry (PitchShiftEngine.cpp)
+    void updateRatio() noexcept;
+    void stretchAnalysis (float ratio) noexcept;
+    void compressSynthesis (float ratio) noexcept;
+    void clearOutput (int firstOffset, int endOffset) noexcept;
+
+    // Analysis frame (PitchShiftAnalysis.cpp)
+    void analyseFrame() noexcept;
+    void readWindowedInput() noexcept;
+    void readStretchedInput (Channel&) const noexcept;
+    void measureMagnitudes() noexcept;
+    void detectOnsets() noexcept;
+    void spreadResetsOverPeaks() noexcept;
+    int resetUpwards (int bin) noexcept;
+    void resetDownwards (int bin, float lowestBin) noexcept;
+    void advancePhases() noexcept;
+    void warpEnvelope() noexcept;
+
+    // Synthesis frame (PitchShiftSynthesis.cpp)
+    void synthesiseFrame() noexcept;
+    void runPhasors (Channel&) const noexcept;
+    void overlapAddCompressed (Channel&) const noexcept;
+    void overlapAddStretched (Channel&) const noexcept;
+
+    int frameSize = 0;   // N
+    int binCount = 0;    // K
+    int inRingMask = 0;  // N - 1
+    int outRingMask = 0; // 2 N - 1
+    bool ready = false;
+
+    // Geometry of the applied ratio, in samples or bins
+    int analysisSpan = 0;  // input covered by an analysis frame
+    int analysisHop = 0;   // a span over the overlap factor
+    int synthesisSpan = 0; // output covered by a synthesis frame
+    int synthesisHop = 0;  // a span over the overlap factor
+    int overlapLength = 0; // the part of a new frame that is added onto earlier frames
+    int activeBins = 0;    // bins that stay below the Nyquist frequency
+    float outputGain = 0.0f;
+
+    float requestedRatio = 1.0f, appliedRatio = 1.0f;
+    float formantRatio = 1.0f, appliedFormantRatio = 1.0f;
+
+    int inPos = 0, outPos = 0;
+    int analysisCounter = 0, synthesisCounter = 0; // samples since the last frame
+    int channelCount = maxChannels;
+
+    AlignedVector<float> ratioHistory;     // N: the ratio asked for at every input position
+    AlignedVector<std::uint8_t> lockCount; // K: frames for which a bin has stayed stable; 0 = phase reset
+    AlignedVector<float> previousSum;      // K: magnitude over channels in the last analysis frame
+    AlignedVector<float> sumScratch;       // K + 1: the current one; then the envelope
+
+    EngineTables tables;
+    HartleyTransform transform { 4 }; // a placeholder until prepare() knows N
+    std::array<Channel, maxChannels> channelState;
+};
+} // namespace tarvelline

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+
+namespace tarvelline
+{
+/** One of the eight notes that can sound at once. Touched by the audio thread only. */
+struct VoiceSlot
+{
+    bool active = false;
+    int index = 0;          // the slot's own number, 0..7: the engine that sounds it
+    bool started = false;   // set at note-on, cleared by the engine bank at the voice's first frame
+    float level = 0.0f;     // gain; below zero while the engine's latency passes, then up to 1
+    float rate = 0.0f;      // change of level a sample: above 0 fading in, below 0 fading out
+    int key = 0;            // MIDI note - 36
+    float semitones = 0.0f; // the voice's own shift: MIDI note - 60
+};
+
+inline constexpr int voiceCount = 8;
+using VoiceSlots = std::array<VoiceSlot, voiceCount>;
+} // namespace tarvelline
