@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "processor/Parameters.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+namespace tarvelline
+{
+const std::array<ParameterRow, 15> parameterTable { {
+    { parameterId::mainRange, "Pitch Range", 5.0f, 3.0f },
+    { parameterId::timbRange, "Timbre Range", 5.0f, 3.0f },
+    { parameterId::mainWheelPar, "Pitch", 1.0f, 0.5f },
+    { parameterId::mainGravityPar, "Pitch Gravity", 1.0f, 0.5f },
+    { parameterId::mainInertiaPar, "Pitch Inertia", 1.0f, 0.5f },
+    { parameterId::mainSmoothPar, "Pitch Smooth", 1.0f, 0.0f },
+    { parameterId::mainSnap, "Pitch Snap", 1.0f, 1.0f },
+    { parameterId::timbWheelPar, "Timbre", 1.0f, 0.5f },
+    { parameterId::timbGravityPar, "Timbre Gravity", 1.0f, 0.5f },
+    { parameterId::timbInertiaPar, "Timbre Inertia", 1.0f, 0.5f },
+    { parameterId::timbSmoothPar, "Timbre Smooth", 1.0f, 0.0f },
+    { parameterId::timbSnap, "Timbre Snap", 1.0f, 1.0f },
+    { parameterId::mixerPar, "Mixer", 1.0f, 1.0f },
+    { parameterId::toggleSize, "Toggle Size", 1.0f, 0.0f },
+    { parameterId::midiOptions, "Toggle MIDI", 1.0f, 1.0f },
+} };
+
+double spanForRange (float selectorValue) noexcept
+{
+    constexpr auto lastEntry = static_cast<float> (wheelRangeTable.size() - 1);
+    return wheelRangeTable[static_cast<std::size_t> (std::clamp (selectorValue, 0.0f, lastEntry))];
+}
+
+void createParameters (juce::AudioProcessorValueTreeState& parameters)
+{
+    for (const auto& row : parameterTable)
+        parameters.createAndAddParameter (std::make_unique<juce::AudioParameterFloat> (
+            juce::ParameterID { row.id, 1 }, row.name, juce::NormalisableRange<float> (0.0f, row.rangeEnd),
+            row.defaultValue));
+}
+
+float currentValue (const juce::AudioProcessorValueTreeState& parameters, juce::StringRef id) noexcept
+{
+    const auto value = static_cast<const juce::AudioParameterFloat*> (parameters.getParameter (id))->get();
+    return std::isfinite (value) ? value : 0.0f;
+}
+} // namespace tarvelline

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The saved state: one XML element, its attributes the editor's height and every parameter's normalised value, wrapped in
+// the framework's binary envelope (magic, text length, text, zero byte).
+#include "processor/TarvellineAudioProcessor.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace tarvelline
+{
+namespace
+{
+constexpr auto stateTag = "TARVELLINEVERSION"; // identity and version mark of the format
+constexpr auto heightAttribute = "uiHeight";
+constexpr int envelopeMagic = 0x21324356; // "VC2!"
+constexpr size_t lengthOffset = 4;        // bytes
+constexpr size_t envelopeSize = 9;        // bytes around the text
+constexpr int valueDecimals = 20;         // enough to give every float back exactly
+
+/** Written by hand: the framework's own writer adds an XML declaration that the format does not have. */
+void writeEnvelope (const juce::XmlElement& xml, juce::MemoryBlock& destination)
+{
+    {
+        juce::MemoryOutputStream out (destination, false);
+        out.writeInt (envelopeMagic);
+        out.writeInt (0); // the length, below
+        xml.writeTo (out, juce::XmlElement::TextFormat().singleLine().withoutHeader());
+        out.writeByte (0);
+    }
+
+    const auto length =
+        juce::ByteOrder::swapIfBigEndian (static_cast<juce::uint32> (destination.getSize() - envelopeSize));
+    destination.copyFrom (&length, static_cast<int> (lengthOffset), sizeof (length));
+}
+
+/** The attribute as a number; 0 if it is none, which "nan" and "inf" are not either. */
+float readValue (const juce::XmlElement& xml, juce::StringRef attribute)
+{
+    constexpr double largest = std::numeric_limits<float>::max();
+    const auto value = xml.getDoubleAttribute (attribute);
+    return std::isfinite (value) ? static_cast<float> (std::clamp (value, -largest, largest)) : 0.0f;
+}
+} // namespace
+
+void TarvellineAudioProcessor::getStateInformation (juce::MemoryBlock& destData)
+{
+    juce::XmlElement xml (stateTag);
+    xml.setAttribute (heightAttribute, uiHeight.get());
+
+    for (const auto* parameter : getParameters())
+        if (const auto* withId = dynamic_cast<const juce::AudioProcessorParameterWithID*> (parameter))
+            xml.setAttribute (withId->paramID, juce::String (static_cast<double> (withId->getValue()), valueDecimals));
+
+    writeEnvelope (xml, destData);
+}
+
+void TarvellineAudioProcessor::setStateInformation (const void* data, int sizeInBytes)
+{
+    const auto xml = getXmlFromBinary (data, sizeInBytes);
+
+    if (xml == nullptr || xml->getTagName() != stateTag)
+        return;
+
+    uiHeight = xml->getIntAttribute (heightAttribute);
+
+    for (auto* parameter : getParameters())
+    {
+        if (auto* withId = dynamic_cast<juce::AudioProcessorParameterWithID*> (parameter))
+        {
+            const auto value =
+                xml->hasAttribute (withId->paramID) ? readValue (*xml, withId->paramID) : withId->getValue();
+            withId->setValue (value);
+            withId->sendValueChangedMessageToListeners (value);
+        }
+    }
+
+    refreshWheelSettings();
+}
+} // namespace tarvelline

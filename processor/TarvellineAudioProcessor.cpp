@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "processor/TarvellineAudioProcessor.h"
+
+#include <algorithm>
+
+namespace tarvelline
+{
+namespace
+{
+constexpr double referenceRate = 44100.0; // Hz: the rate that the wheels' per-sample constants are written for
+} // namespace
+
+TarvellineAudioProcessor::TarvellineAudioProcessor()
+    : AudioProcessor (BusesProperties()
+                          .withInput ("Input", juce::AudioChannelSet::stereo(), true)
+                          .withOutput ("Output", juce::AudioChannelSet::stereo(), true)),
+      parameters (*this, nullptr)
+{
+    createParameters (parameters);
+    parameters.state = juce::ValueTree ("Tarvelline_0");
+    parameters.addParameterListener (parameterId::mainRange, this);
+    parameters.addParameterListener (parameterId::timbRange, this);
+}
+
+TarvellineAudioProcessor::~TarvellineAudioProcessor() = default;
+
+bool TarvellineAudioProcessor::isBusesLayoutSupported (const BusesLayout& layouts) const
+{
+    const auto out = layouts.getMainOutputChannelSet();
+
+    if (out != juce::AudioChannelSet::mono() && out != juce::AudioChannelSet::stereo())
+        return false;
+
+    return layouts.getMainInputChannelSet() == out;
+}
+
+void TarvellineAudioProcessor::prepareToPlay (double newSampleRate, int)
+{
+    const auto rate = newSampleRate > 0.0 ? newSampleRate : referenceRate;
+    const auto timeScale = static_cast<float> (referenceRate / rate);
+
+    mainWheel.timeScale = timeScale;
+    timbWheel.timeScale = timeScale;
+    refreshWheelSettings();
+
+    sampleRate = static_cast<float> (rate);
+    engine.setSampleRate (sampleRate);
+    engine.rebuildEngines();
+    setLatencySamples (engine.getFrameSize()); // tells the host only of a change
+
+    reanchor (mainWheel);
+    reanchor (timbWheel);
+    voices.prepare (engine.getFrameSize(), sampleRate);
+    dryCrossfade = 0.0f;
+}
+
+/** Re-reads every wheel parameter and the MIDI mode, and puts both wheels to rest where their parameters stand. */
+void TarvellineAudioProcessor::refreshWheelSettings()
+{
+    using namespace parameterId;
+    refreshWheel (mainWheel, mainWheelPar, mainRange, mainInertiaPar, mainGravityPar, mainSmoothPar);
+    midiTransposeMode = currentValue (parameters, midiOptions) != 0.0f;
+    refreshWheel (timbWheel, timbWheelPar, timbRange, timbInertiaPar, timbGravityPar, timbSmoothPar);
+}
+
+void TarvellineAudioProcessor::refreshWheel (WheelRecord& wheel, juce::StringRef wheelId, juce::StringRef rangeId,
+                                             juce::StringRef inertiaId, juce::StringRef gravityId,
+                                             juce::StringRef smoothId)
+{
+    wheel.target = currentValue (parameters, wheelId);
+    setRange (wheel, spanForRange (currentValue (parameters, rangeId)));
+    setInertia (wheel, currentValue (parameters, inertiaId));
+    setGravity (wheel, currentValue (parameters, gravityId));
+    setSmooth (wheel, currentValue (parameters, smoothId));
+    reanchor (wheel);
+}
+
+void TarvellineAudioProcessor::parameterChanged (const juce::String& parameterID, float newValue)
+{
+    if (parameterID == parameterId::mainRange)
+        keepShiftForRange (mainWheel, parameterId::mainWheelPar, newValue);
+    else if (parameterID == parameterId::timbRange)
+        keepShiftForRange (timbWheel, parameterId::timbWheelPar, newValue);
+}
+
+void TarvellineAudioProcessor::keepShiftForRange (WheelRecord& wheel, juce::StringRef wheelId, float rangeSelector)
+{
+    const auto ratio = setRange (wheel, spanForRange (rangeSelector));
+    const auto position = ratio * (static_cast<double> (currentValue (parameters, wheelId)) - 0.5) + 0.5;
+    auto* parameter = parameters.getParameter (wheelId);
+
+    parameter->setValueNotifyingHost (parameter->convertTo0to1 (static_cast<float> (std::clamp (position, 0.0, 1.0))));
+    reanchor (wheel);
+}
+
+juce::AudioProcessorEditor* TarvellineAudioProcessor::createEditor()
+{
+    return new juce::GenericAudioProcessorEditor (*this);
+}
+} // namespace tarvelline
+
+juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter() { return new tarvelline::TarvellineAudioProcessor(); }
