@@ -1,0 +1,233 @@
+"""Draws the panel behind the controls, in the editor's design units: two complete halves of 512 x 576."""
+import math
+import pathlib
+
+import keyboard
+import lettering
+from svg import INK, ORANGE, WINDOW_BOTTOM, WINDOW_TOP, Drawing, arc, circle, group, num, path, rect, spoke
+
+HERE = pathlib.Path(__file__).parent
+HALF, HEIGHT = 512.0, 576.0
+
+# Control rectangles of the left half (x, y, width, height); the right half's are these moved by HALF.
+WHEEL = (91.5, 65.5, 330.0, 330.0)
+KNOBS = {"GRAVITY": (84.6, 421.6, 77.0, 77.0), "INERTIA": (216.6, 421.6, 77.0, 77.0),
+         "SMOOTH": (350.6, 421.6, 77.0, 77.0)}
+MIXER = (446.6, 503.6, 47.0, 47.0)
+RANGE = (24.0, 22.0, 74.0, 50.0)          # the windows stand on whole pixels, as the text boxes do
+SNAP = (416.0, 22.0, 74.0, 50.0)
+MIDI = (12.0, 515.0, 63.0, 48.0)
+KEYS = (89.0, 526.0, 336.0, 36.0)
+SIZE = (472.2, 330.7, 38.8, 96.0)
+
+# Every rotary control sweeps from 1.2 to 2.8 pi: 144 degrees to either side of straight up.
+SWEEP_START, SWEEP_END = -144.0, 144.0
+PUCK_ORBIT = 0.416 * WHEEL[2]
+GROOVE_HALF_WIDTH = 25.0         # the puck and a little play; its rim ends below radius 165
+DIAL_RADIUS = 111.5
+
+FLUTES = 60                # grip flutes round a knob's skirt
+GRAIN = 0.042              # opacity of the coat's grain
+LABEL_CAP, LABEL_STEM, LABEL_TRACKING = 8.6, 108, 70
+LABEL_BASELINE = 512.0
+
+
+def centre(box):
+    x, y, width, height = box
+    return x + width / 2, y + height / 2
+
+
+def engraved(data):
+    """Dark lettering cut into the panel: its lower edge catches the light from above."""
+    return [path(data, fill="#ffffff", fill_opacity=0.3, transform="translate(0 0.9)"), path(data, fill=INK)]
+
+
+def label(text, x, baseline, cap=LABEL_CAP, tracking=LABEL_TRACKING, stem=LABEL_STEM):
+    return engraved(lettering.text_path(text, x, baseline, cap, stem, tracking, "middle"))
+
+
+def define_materials(art):
+    """All light comes from above: raised things are light at their upper edge, sunk ones at their lower edge."""
+    cx, cy = centre(WHEEL)
+    # Luminance 0.20 to 0.23: both the dark ticks and the cream numbers of the scale need 3:1 against it.
+    art.linear("ground", 0, HEIGHT, [(0, "#76889b"), (0.05, "#728497"), (0.75, "#6f8093"), (1, "#6b7d90")])
+    # The coat's grain: a grey noise of about two levels, which also keeps the long gradients from banding.
+    art.defs.append('<filter id="grain" x="0" y="0" width="1" height="1" color-interpolation-filters="sRGB">'
+                    '<feTurbulence type="fractalNoise" baseFrequency="0.85" numOctaves="2" seed="7"/>'
+                    '<feColorMatrix type="matrix" values="1 0 0 0 -0.06  1 0 0 0 -0.02  1 0 0 0 0.04  0 0 0 0 1"/>'
+                    "</filter>")
+    art.linear("plateRim", 17, 400, [(0, "#ffffff", 0.5), (0.45, "#ffffff", 0.22), (0.95, "#ffffff", 0)])
+    art.linear("plateCut", 17, 400, [(0, "#1c2733", 0.55), (0.45, "#1c2733", 0.3), (0.95, "#1c2733", 0)])
+    art.linear("grooveRim", 62, 400, [(0, "#35424f"), (0.4, "#5c6c7d"), (0.75, "#a9b7c4"), (1, "#d3dce4")])
+    art.radial("grooveFloor", cx, cy + 5, PUCK_ORBIT + GROOVE_HALF_WIDTH + 5,
+               [(0.63, "#0c1218"), (0.70, "#18212b"), (0.80, "#25303c"), (0.9, "#202a35"), (0.955, "#121a22"),
+                (1, "#080c11")])
+    art.linear("grooveLight", 62, 400, [(0, "#000000", 0.4), (0.5, "#3d4d5f", 0.0), (1, "#6d8299", 0.38)])
+    art.radial("dialSeat", cx, cy + 4, DIAL_RADIUS + 7,
+               [(0, "#000000", 0.9), (0.93, "#000000", 0.75), (1, "#000000", 0)])
+    art.radial("knobShadow", 0, 6, 47, [(0.6, "#0a1016", 0.62), (0.8, "#0a1016", 0.3), (1, "#0a1016", 0)])
+    art.linear("knobSeat", -39, 39, [(0, "#2c3744"), (0.5, "#5b6b7c"), (1, "#b3c0cc")])
+    art.linear("knobSkirt", -36, 36, [(0, "#5a6a7b"), (0.12, "#465463"), (0.6, "#242e39"), (1, "#121920")])
+    art.linear("knobRim", -36, 36,
+               [(0, "#e6edf3", 0.85), (0.3, "#b9c6d2", 0.2), (0.6, "#000000", 0), (1, "#000000", 0.4)])
+    art.linear("knobCap", -27, 27, [(0, "#1d2630"), (1, "#384553")])
+    art.linear("knobCapRim", -27, 27, [(0, "#0a0f14"), (0.5, "#1d2630"), (1, "#6c7d8e")])
+    for name, box in (("range", RANGE), ("midi", MIDI), ("keys", KEYS)):
+        y, height = box[1], box[3]
+        art.linear(f"{name}Bezel", y - 3, y + height + 3, [(0, "#3c4957"), (0.5, "#66778a"), (1, "#b9c6d2")])
+        art.linear(f"{name}Glass", y, y + height, [(0, "#06090d"), (0.08, WINDOW_TOP), (1, WINDOW_BOTTOM)])
+    y = SIZE[1]
+    art.linear("capEdge", y + 6, y + 92, [(0, "#2f3b48"), (1, "#1a232d")])
+    art.linear("capFace", y + 8, y + 90, [(0, "#8899aa"), (0.5, "#75879a"), (1, "#647588")])
+    art.linear("capRim", y + 4, y + 93, [(0, "#4a5867"), (1, "#b9c6d2")])
+    art.linear("whiteKey", 0, KEYS[3], [(0, "#8e98a3"), (0.1, "#cfd6dc"), (0.35, "#e6eaee"), (0.9, "#f6f8f9"),
+                                        (0.92, "#c4ccd4"), (1, "#aab4be")])
+    art.linear("blackKey", 0, keyboard.BLACK_HEIGHT, [(0, "#06090c"), (0.2, "#1c242d"), (0.84, "#38444f"),
+                                                      (0.86, "#11171d"), (1, "#0a0e13")])
+
+
+def plate():
+    """The half's ground with a bevel along its own four edges."""
+    return [rect(0, 0, HALF, HEIGHT, fill="url(#ground)"),
+            rect(0, 0, HALF, HEIGHT, filter="url(#grain)", opacity=GRAIN),
+            rect(0, 0, HALF, 1, fill="#ffffff", fill_opacity=0.4),
+            rect(0, 1, 1, HEIGHT - 2, fill="#ffffff", fill_opacity=0.16),
+            rect(HALF - 1, 0, 1, HEIGHT, fill="#0c131a", fill_opacity=0.62),
+            rect(0, HEIGHT - 2, HALF, 2, fill="#0c131a", fill_opacity=0.5)]
+
+
+def wheel(title):
+    cx, cy = centre(WHEEL)
+    inner, outer = PUCK_ORBIT - GROOVE_HALF_WIDTH, PUCK_ORBIT + GROOVE_HALF_WIDTH
+    shapes = []
+    title_gap = 14.0 if title == "PITCH" else 16.5             # degrees of the rim left free for the title
+    for radius, paint in ((213.5, "plateCut"), (214.5, "plateRim")):
+        for start, end in ((-118.0, -title_gap), (title_gap, 118.0)):
+            shapes.append(arc(cx, cy, radius, start, end, stroke=f"url(#{paint})", stroke_width="1"))
+    shapes += label(title, cx, 19.0, cap=9.2, tracking=260)
+    groove = lambda width, **paint: arc(cx, cy, PUCK_ORBIT, SWEEP_START, SWEEP_END, stroke_width=float(width),
+                                        stroke_linecap="round", **paint)
+    width = 2 * GROOVE_HALF_WIDTH
+    shapes += [groove(width + 4, stroke="url(#grooveRim)"), groove(width + 1, stroke="#070b10"),
+               groove(width, stroke="url(#grooveFloor)"), groove(width, stroke="url(#grooveLight)")]
+    for radius in range(118, 163, 4):                          # the lathe's traces
+        shapes.append(arc(cx, cy, float(radius), SWEEP_START, SWEEP_END, stroke="#8fa3b8", stroke_opacity=0.055,
+                          stroke_width=0.8))
+    shapes += [groove(4.4, stroke="#05080b"), groove(2.4, stroke="#2b3744"),
+               circle(cx, cy + 1, DIAL_RADIUS + 7, fill="url(#dialSeat)"),
+               circle(cx, cy, DIAL_RADIUS + 1.5, fill="#070b10")]
+    return shapes
+
+
+def maker_mark():
+    cx, cy = centre(WHEEL)
+    letters, dot = lettering.wordmark(cx, cy + 150.5, 15.4, 98, "middle")
+    return engraved(letters) + [path(dot, fill=ORANGE)]
+
+
+def knob(box):
+    cx, cy = centre(box)
+    shapes = [circle(0, 6, 47, fill="url(#knobShadow)"), circle(0, 0, 38.6, fill="url(#knobSeat)"),
+              circle(0, 0, 37.4, fill="#0b1016"), circle(0, 0, 36.2, fill="url(#knobSkirt)"),
+              circle(0, 0, 35.6, fill="none", stroke="url(#knobRim)", stroke_width=1.2),
+              *(spoke(0, 0, 29.6, 34.4, 360 / FLUTES * i, stroke="#05080c", stroke_opacity=0.3, stroke_width=1.0)
+                for i in range(FLUTES)),
+              circle(0, 0, 27, fill="url(#knobCap)"),
+              circle(0, 0, 27, fill="none", stroke="url(#knobCapRim)", stroke_width="1")]
+    body = group(shapes, transform=f"translate({num(cx)} {num(cy)}) scale({num(box[2] / 77.0)})")
+    radius = 0.5 * box[2]
+    marks = [spoke(cx, cy, radius + 3.4, radius + 8.4, angle, stroke=INK, stroke_width=1.8)
+             for angle in (SWEEP_START, SWEEP_END)]
+    return [body] + marks
+
+
+def window(box, material):
+    x, y, width, height = box
+    return [rect(x - 3, y - 3, width + 6, height + 6, 8.5, fill=f"url(#{material}Bezel)"),
+            rect(x - 1, y - 1, width + 2, height + 2, 6.8, fill="#06090d"),
+            rect(x, y, width, height, 6, fill=f"url(#{material}Glass)"),
+            rect(x + 0.5, y + 0.5, width - 1, height - 1, 5.5, fill="none", stroke="#8ea2b6", stroke_opacity=0.1,
+                 stroke_width="1")]
+
+
+def piano():
+    x, y, width, height = KEYS
+    shapes = [rect(x - 4, y - 4, width + 7, height + 8, 5, fill="url(#keysBezel)"),
+              rect(x - 2, y - 2, width + 2.5, height + 4, 3, fill="#070a0e")]
+    whites = "".join(keyboard.white_key_path(i, i * keyboard.STEP) for i in range(keyboard.WHITE_KEYS))
+    keys = [path(whites, fill="url(#whiteKey)")]
+    keys += [rect(left, 0, keyboard.BLACK_WIDTH, keyboard.BLACK_HEIGHT, 0.8, fill="url(#blackKey)")
+             for left in keyboard.black_key_positions()]
+    return shapes + [group(keys, transform=f"translate({x:g} {y:g})")]
+
+
+def size_mark():
+    """A key cap with two panels side by side and a pair of arrows: opens or closes the second half."""
+    x, y, width, height = SIZE
+    cx, cy = centre(SIZE)
+    face = (cx - 14.6, y + 7.3, 29.2, height - 14.6)
+    fx, fy, fw, fh = face
+    pair = group([rect(cx - 9.5, cy - 20.5, 9, 15, 1.5, fill=INK),
+                  rect(cx + 1.2, cy - 19.8, 7.6, 13.6, 1, fill="none", stroke=INK, stroke_width=1.4),
+                  path(f"M{num(cx - 3.5)} {num(cy + 6)}l-6 6.5l6 6.5M{num(cx + 3.5)} {num(cy + 6)}l6 6.5l-6 6.5",
+                       fill="none", stroke=INK, stroke_width=2.0)])
+    return [rect(fx - 2.2, fy - 2.2, fw + 4.4, fh + 4.4, 6.5, fill="url(#capRim)"),
+            rect(fx - 1, fy - 1, fw + 2, fh + 2, 5.5, fill="url(#capEdge)"),
+            rect(fx, fy, fw, fh, 4.5, fill="url(#capFace)"),
+            path(f"M{num(fx + 4)} {num(fy + 0.6)}h{num(fw - 8)}", stroke="#ffffff", stroke_opacity=0.55,
+                 stroke_width="1.1", fill="none"),
+            pair]
+
+
+def formants(position):
+    """Height 0..1 of a voice-like spectral envelope; position 0..1 along the frequency axis."""
+    peak = lambda at, width, gain: gain * math.exp(-((position - at) / width) ** 2)
+    return min(1.0, 0.1 + peak(0.0, 0.12, 0.75) + peak(0.34, 0.11, 0.62) + peak(0.66, 0.09, 0.3))
+
+
+def comb(x, y, step, heights):
+    """Partials under a spectral envelope, cut into the panel: what the right half bends."""
+    cuts = "".join(f"M{num(x + i * step)} {num(y)}v{num(-height)}" for i, height in enumerate(heights))
+    return [path(cuts, fill="none", stroke="#ffffff", stroke_opacity=0.22, stroke_width="1.4",
+                 transform="translate(1 0.6)"),
+            path(cuts, fill="none", stroke=INK, stroke_opacity=0.85, stroke_width="1.4")]
+
+
+def timbre_mark():
+    """The right wheel's counterpart of the maker's mark: a spectrum, symmetrical about the wheel's axis."""
+    cx, cy = centre(WHEEL)
+    heights = [15.0 * formants(abs(i) / 11) for i in range(-11, 12)]
+    return comb(cx - 44.0, cy + 150.5, 4.0, heights)
+
+
+def strap():
+    cx = centre(WHEEL)[0]
+    letters, dot = lettering.wordmark(cx, 547.0, 21.5, 98, "middle")
+    line = label("PITCH AND TIMBRE SHIFTER", cx, 562.5, cap=7.0, tracking=132, stem=98)
+    heights = [33.0 * formants(i / 26) for i in range(27)]
+    return (engraved(letters) + [path(dot, fill=ORANGE)] + line
+            + comb(24.5, 562.5, 5.0, heights) + comb(488.5, 562.5, -5.0, heights))
+
+
+def half(title):
+    shapes = plate() + wheel(title)
+    shapes += window(RANGE, "range") + window(SNAP, "range")
+    shapes += label("RANGE", centre(RANGE)[0], 87.5) + label("SNAP", centre(SNAP)[0], 87.5)
+    for name, box in KNOBS.items():
+        shapes += knob(box) + label(name, centre(box)[0], LABEL_BASELINE)
+    return shapes
+
+
+def main():
+    art = Drawing(1024, 576, "Panel")
+    define_materials(art)
+    left = half("PITCH") + maker_mark()
+    left += window(MIDI, "midi") + label("MIDI", centre(MIDI)[0], LABEL_BASELINE - 4)
+    left += piano() + knob(MIXER) + label("MIX", centre(MIXER)[0], 566.0) + size_mark()
+    right = half("TIMBRE") + timbre_mark() + strap()
+    art.add(group(left), group(right, transform=f"translate({num(HALF)} 0)"))
+    art.save(HERE / "background.svg")
+
+
+if __name__ == "__main__":
+    main()
