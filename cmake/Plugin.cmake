@@ -38,7 +38,12 @@ target_link_libraries(Tarvelline
     PUBLIC
         tarvelline_engine)
 
+add_subdirectory(resources)
+target_link_libraries(Tarvelline PRIVATE tarvelline_resources)
+
 add_subdirectory(processor)
+add_subdirectory(widgets)
+add_subdirectory(editor)
 
 # Lets a program use the shared code: its headers, definitions and objects, without compiling the framework again.
 function(tarvelline_use_shared_code target)

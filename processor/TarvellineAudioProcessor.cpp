@@ -92,11 +92,4 @@ void TarvellineAudioProcessor::keepShiftForRange (WheelRecord& wheel, juce::Stri
     parameter->setValueNotifyingHost (parameter->convertTo0to1 (static_cast<float> (std::clamp (position, 0.0, 1.0))));
     reanchor (wheel);
 }
-
-juce::AudioProcessorEditor* TarvellineAudioProcessor::createEditor()
-{
-    return new juce::GenericAudioProcessorEditor (*this);
-}
 } // namespace tarvelline
-
-juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter() { return new tarvelline::TarvellineAudioProcessor(); }

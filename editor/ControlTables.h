@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "processor/TarvellineAudioProcessor.h"
+#include "widgets/FollowDial.h"
+#include "widgets/Keyboard.h"
+#include "widgets/MyComboBox.h"
+#include "widgets/SnapSlider.h"
+
+#include <juce_gui_basics/juce_gui_basics.h>
+
+#include <array>
+
+namespace tarvelline
+{
+/** Every control of the window, in the order of construction. The timbre section mirrors the pitch section. */
+struct EditorControls
+{
+    juce::TextButton sizeButton;
+    juce::TextButton pitchSnapButton { "Off" };
+    juce::TextButton midiModeButton { "Multi" };
+    SnapSlider mainWheelSlider;
+    SnapSlider pitchScaleSlider; // shows the scale; attached to nothing
+    juce::Slider pitchGravitySlider;
+    juce::Slider pitchInertiaSlider;
+    MyComboBox pitchRangeBox;
+    juce::Slider pitchSmoothSlider;
+    juce::Slider mixerSlider;
+    FollowDial pitchDial;
+    Keyboard keyboard;
+    juce::Label valueLabel; // the read-out above a knob
+    SnapSlider timbreWheelSlider;
+    SnapSlider timbreScaleSlider; // shows the scale; attached to nothing
+    juce::TextButton timbreSnapButton { "Off" };
+    juce::Slider timbreGravitySlider;
+    juce::Slider timbreInertiaSlider;
+    juce::Slider timbreSmoothSlider;
+    MyComboBox timbreRangeBox;
+    FollowDial timbreDial;
+};
+
+/** The design space: all geometry is given in it and scaled to the window. Also the largest window, in pixels. */
+inline constexpr int designWidth = 1024, designHeight = 576;
+
+/** Where a control lies in the design space, its component ID and what a screen reader calls it. */
+struct Placement
+{
+    juce::Component& control;
+    juce::Rectangle<float> bounds;
+    const char* id;
+    const char* title;
+};
+
+/** A control and the parameter it shows and moves. */
+template <typename Control>
+struct Binding
+{
+    Control& control;
+    const char* parameter;
+};
+
+/** A knob that shapes a wheel's motion, and how. */
+struct PhysicsKnob
+{
+    juce::Slider& control;
+    WheelRecord& wheel;
+    void (*apply) (WheelRecord&, double);
+};
+
+std::array<Placement, 20> placementsOf (EditorControls&);    // in the order of laying out
+std::array<juce::Component*, 21> zOrderOf (EditorControls&); // bottom to top
+std::array<juce::Slider*, 11> slidersOf (EditorControls&);   // in the order of styling
+std::array<Binding<juce::Slider>, 9> sliderBindingsOf (EditorControls&);
+std::array<Binding<juce::Button>, 4> buttonBindingsOf (EditorControls&);
+std::array<Binding<juce::ComboBox>, 2> boxBindingsOf (EditorControls&);
+std::array<PhysicsKnob, 6> physicsKnobsOf (EditorControls&, TarvellineAudioProcessor&);
+} // namespace tarvelline

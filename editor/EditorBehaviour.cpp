@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the window does once it stands: ranges, snapping, MIDI mode, size mode, the value read-out and the timer.
+#include "editor/TarvellineAudioProcessorEditor.h"
+
+namespace tarvelline
+{
+namespace
+{
+constexpr float fullAspectRatio =
+    1.77778f;                       // a little above 16 / 9, so that truncated widths come out whole: 288 -> 512
+constexpr int readOutTicks = 25;    // of the timer: 1.5 s
+constexpr int readOutDistance = 12; // pixels from a knob's top to the read-out's centre
+
+/** The steps of a range box: its span in semitones. No selection counts as the first entry. */
+double selectedSteps (const juce::ComboBox& box)
+{
+    constexpr auto lastIndex = static_cast<int> (wheelRangeTable.size()) - 1;
+    return wheelRangeTable[static_cast<size_t> (juce::jlimit (0, lastIndex, box.getSelectedItemIndex()))];
+}
+} // namespace
+
+void TarvellineAudioProcessorEditor::comboBoxChanged (juce::ComboBox* box)
+{
+    if (box == &controls.pitchRangeBox)
+    {
+        pitchRangeSteps = selectedSteps (*box);
+        applyPitchSnap (pitchRangeSteps);
+        controls.pitchScaleSlider.repaint();
+    }
+    else if (box == &controls.timbreRangeBox)
+    {
+        timbreRangeSteps = selectedSteps (*box);
+        applyTimbreSnap (timbreRangeSteps);
+        controls.timbreScaleSlider.repaint();
+    }
+}
+
+void TarvellineAudioProcessorEditor::applyPitchSnap (double steps)
+{
+    const auto grid = controls.pitchSnapButton.getToggleState() ? steps : 0.0;
+
+    controls.pitchScaleSlider.snapTo = steps; // the scale shows the span even when snapping is off
+    controls.mainWheelSlider.snapTo = grid;
+    processor.bendSteps = grid;
+}
+
+/** Unlike the pitch side's, this grid has no part in the processor: a pitch-bend moves the pitch alone. */
+void TarvellineAudioProcessorEditor::applyTimbreSnap (double steps)
+{
+    controls.timbreScaleSlider.snapTo = steps;
+    controls.timbreWheelSlider.snapTo = controls.timbreSnapButton.getToggleState() ? steps : 0.0;
+}
+
+void TarvellineAudioProcessorEditor::buttonClicked (juce::Button* button)
+{
+    const auto showOnOff = [] (juce::Button& snapButton)
+    { snapButton.setButtonText (snapButton.getToggleState() ? "On" : "Off"); };
+
+    if (button == &controls.sizeButton)
+    {
+        applySizeMode();
+    }
+    else if (button == &controls.pitchSnapButton)
+    {
+        showOnOff (*button);
+        applyPitchSnap (pitchRangeSteps);
+    }
+    else if (button == &controls.timbreSnapButton)
+    {
+        showOnOff (*button);
+        applyTimbreSnap (timbreRangeSteps);
+    }
+    else if (button == &controls.midiModeButton)
+    {
+        applyMidiMode();
+    }
+}
+
+void TarvellineAudioProcessorEditor::applyMidiMode()
+{
+    const auto single = controls.midiModeButton.getToggleState();
+
+    controls.midiModeButton.setButtonText (single ? "Single" : "Multi");
+    processor.midiTransposeMode = single;
+
+    if (single)
+        processor.outputGain = 0.0f; // fades in again
+}
+
+void TarvellineAudioProcessorEditor::applySizeMode()
+{
+    sizeMode = controls.sizeButton.getToggleState() ? 1 : 2;
+    aspectRatio = fullAspectRatio / static_cast<float> (sizeMode);
+    getConstrainer()->setFixedAspectRatio (static_cast<double> (aspectRatio));
+
+    if (isVisible())
+    {
+        setBounds (getX(), getY(), widthFor (getHeight()), getHeight());
+        resized();
+    }
+}
+
+int TarvellineAudioProcessorEditor::widthFor (int height) const noexcept
+{
+    return static_cast<int> (static_cast<float> (height) * aspectRatio);
+}
+
+void TarvellineAudioProcessorEditor::sliderValueChanged (juce::Slider* slider)
+{
+    for (auto& [knob, wheel, apply] : physicsKnobsOf (controls, processor))
+        if (slider == &knob)
+            apply (wheel, slider->getValue());
+
+    if (slider != &controls.mainWheelSlider && slider != &controls.timbreWheelSlider)
+        showValueAbove (*slider);
+}
+
+void TarvellineAudioProcessorEditor::showValueAbove (const juce::Slider& slider)
+{
+    auto& label = controls.valueLabel;
+    label.setFont (controls.pitchDial.getDialFont());
+    label.setText (juce::String (slider.getValue(), 2), juce::dontSendNotification);
+    label.setCentrePosition (slider.getX() + slider.getWidth() / 2, slider.getY() - readOutDistance);
+    label.setVisible (true);
+    valueLabelCountdown = readOutTicks;
+}
+
+void TarvellineAudioProcessorEditor::timerCallback()
+{
+    if (valueLabelCountdown > 0 && --valueLabelCountdown == 0)
+        controls.valueLabel.setVisible (false);
+
+    if (processor.voices.keysChanged)
+    {
+        controls.keyboard.repaint();
+        processor.voices.keysChanged = false;
+    }
+}
+} // namespace tarvelline

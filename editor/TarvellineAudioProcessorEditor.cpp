@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/TarvellineAudioProcessorEditor.h"
+
+#include "BinaryData.h"
+
+namespace tarvelline
+{
+namespace
+{
+constexpr int minimumHeight = 258; // pixels
+constexpr int timerMilliseconds = 60;
+
+constexpr juce::uint32 pointerColour = 0xffffffff;
+constexpr juce::uint32 tickColour = 0xff203040;
+constexpr juce::uint32 numberColour = 0xfffaebd7;
+constexpr juce::uint32 menuHighlightColour = 0xff364e65;
+constexpr juce::uint32 readOutColour = 0xc0101030;
+
+constexpr const char* rangeNames[] = { "2", "4", "6", "12", "24", "48" }; // semitones, as in wheelRangeTable
+} // namespace
+
+TarvellineAudioProcessorEditor::TarvellineAudioProcessorEditor (TarvellineAudioProcessor& owner)
+    : AudioProcessorEditor (owner),
+      backgroundImage (juce::ImageFileFormat::loadFrom (BinaryData::background_png, BinaryData::background_pngSize)),
+      processor (owner)
+{
+    showProcessorState();
+    setLookColours();
+    styleSliders();
+    fillRangeBoxes();
+    styleValueLabel();
+    styleButtons();
+    nameControls();
+    listenToControls();
+    attachParameters();
+
+    // By hand, since a button that has not moved tells nobody: texts, grids and modes as the parameters have them. In
+    // transpose mode this restarts the output's fade-in.
+    for (auto* button : { &controls.pitchSnapButton, &controls.midiModeButton, &controls.timbreSnapButton })
+        buttonClicked (button);
+
+    for (auto* control : zOrderOf (controls))
+        addAndMakeVisible (control);
+
+    setResizable (true, true);
+    applySizeMode();
+    openAtStoredHeight();
+    startTimer (timerMilliseconds);
+}
+
+TarvellineAudioProcessorEditor::~TarvellineAudioProcessorEditor()
+{
+    stopTimer();
+
+    for (auto* child : getChildren()) // before any look goes
+        child->setLookAndFeel (nullptr);
+
+    backgroundImage = {};
+    midiOptionsLook.reset();
+    mainLook.reset();
+    displayTickLook.reset();
+    tickLook.reset();
+    mainRotaryLook.reset();
+
+    buttonAttachments.clear(); // before the controls they bind
+    comboBoxAttachments.clear();
+    sliderAttachments.clear();
+}
+
+void TarvellineAudioProcessorEditor::showProcessorState()
+{
+    controls.pitchDial.setUp (processor, 0);
+    controls.timbreDial.setUp (processor, 1);
+    controls.pitchDial.setRotaryParameters (controls.mainWheelSlider.getRotaryParameters());
+    controls.timbreDial.setRotaryParameters (controls.timbreWheelSlider.getRotaryParameters());
+    controls.keyboard.setVoices (processor.voices);
+}
+
+void TarvellineAudioProcessorEditor::setLookColours()
+{
+    tickLook->setColour (juce::Slider::thumbColourId, juce::Colour (pointerColour));
+    displayTickLook->setColour (juce::Slider::thumbColourId, juce::Colour (tickColour));
+    displayTickLook->setColour (juce::Slider::textBoxHighlightColourId, juce::Colour (numberColour));
+    mainLook->setColour (juce::PopupMenu::highlightedBackgroundColourId, juce::Colour (menuHighlightColour));
+    mainLook->setColour (juce::TextButton::buttonColourId, juce::Colours::transparentBlack);
+    mainLook->setColour (juce::TextButton::buttonOnColourId, juce::Colours::transparentBlack);
+}
+
+void TarvellineAudioProcessorEditor::styleSliders()
+{
+    for (auto* slider : slidersOf (controls))
+    {
+        slider->setSliderStyle (juce::Slider::RotaryHorizontalVerticalDrag);
+        slider->setTextBoxStyle (juce::Slider::NoTextBox, false, 0, 0);
+        slider->setWantsKeyboardFocus (true);
+        slider->setLookAndFeel (tickLook.get());
+    }
+
+    for (auto* wheel : { &controls.mainWheelSlider, &controls.timbreWheelSlider })
+        wheel->setLookAndFeel (mainRotaryLook.get());
+
+    for (auto* scale : { &controls.pitchScaleSlider, &controls.timbreScaleSlider })
+    {
+        scale->setLookAndFeel (displayTickLook.get());
+        scale->setInterceptsMouseClicks (false, false);
+        scale->setWantsKeyboardFocus (false);
+        scale->setAccessible (false);
+    }
+}
+
+void TarvellineAudioProcessorEditor::fillRangeBoxes()
+{
+    for (auto* box : { &controls.pitchRangeBox, &controls.timbreRangeBox })
+    {
+        auto itemId = 0;
+
+        for (const auto* name : rangeNames)
+            box->addItem (name, ++itemId);
+
+        box->setJustificationType (juce::Justification::centred);
+        box->setLookAndFeel (mainLook.get());
+    }
+}
+
+void TarvellineAudioProcessorEditor::styleValueLabel()
+{
+    auto& label = controls.valueLabel;
+    label.setSize (32, 16);
+    label.setFont (juce::Font (12.0f));
+    label.setBorderSize ({}); // four characters need the whole width
+    label.setJustificationType (juce::Justification::centred);
+    label.setColour (juce::Label::textColourId, juce::Colour (readOutColour));
+    label.setInterceptsMouseClicks (false, false);
+}
+
+void TarvellineAudioProcessorEditor::styleButtons()
+{
+    for (auto& binding : buttonBindingsOf (controls))
+    {
+        binding.control.setClickingTogglesState (true);
+        binding.control.setLookAndFeel (mainLook.get());
+    }
+
+    controls.midiModeButton.setLookAndFeel (midiOptionsLook.get());
+}
+
+void TarvellineAudioProcessorEditor::nameControls()
+{
+    for (auto& place : placementsOf (controls))
+    {
+        place.control.setComponentID (place.id);
+        place.control.setTitle (place.title);
+    }
+}
+
+void TarvellineAudioProcessorEditor::listenToControls()
+{
+    for (auto& binding : sliderBindingsOf (controls))
+        binding.control.addListener (this);
+
+    for (auto& binding : boxBindingsOf (controls))
+        binding.control.addListener (this);
+
+    for (auto& binding : buttonBindingsOf (controls))
+        binding.control.addListener (this);
+}
+
+/** Sets each control itself before it is attached: in a host whose thread is not the framework's message thread an
+    attachment's own first update comes only after this constructor. */
+void TarvellineAudioProcessorEditor::attachParameters()
+{
+    auto& state = processor.parameters;
+
+    for (auto& [slider, id] : sliderBindingsOf (controls))
+    {
+        slider.setValue (static_cast<double> (currentValue (state, id)), juce::sendNotificationSync);
+        sliderAttachments.add (new juce::AudioProcessorValueTreeState::SliderAttachment (state, id, slider));
+    }
+
+    for (auto& [button, id] : buttonBindingsOf (controls))
+    {
+        button.setToggleState (currentValue (state, id) >= 0.5f, juce::sendNotificationSync);
+        buttonAttachments.add (new juce::AudioProcessorValueTreeState::ButtonAttachment (state, id, button));
+    }
+
+    for (auto& [box, id] : boxBindingsOf (controls))
+    {
+        box.setSelectedItemIndex (juce::roundToInt (currentValue (state, id)), juce::sendNotificationSync);
+        comboBoxAttachments.add (new juce::AudioProcessorValueTreeState::ComboBoxAttachment (state, id, box));
+    }
+}
+
+void TarvellineAudioProcessorEditor::openAtStoredHeight()
+{
+    const int stored = processor.uiHeight;
+    const auto height = juce::jlimit (minimumHeight, designHeight, stored != 0 ? stored : designHeight / 2);
+
+    setSize (widthFor (height), height);
+    setResizeLimits (1, minimumHeight, designWidth, designHeight); // the aspect ratio is what limits the width
+    setSize (widthFor (height), height); // the limits have fitted the height to the truncated width
+}
+
+void TarvellineAudioProcessorEditor::paint (juce::Graphics& g)
+{
+    const auto sourceWidth = backgroundImage.getWidth() / sizeMode;
+    const auto sourceHeight = backgroundImage.getHeight();
+
+    if (! backgroundImage.isValid() || ! g.clipRegionIntersects (getLocalBounds()))
+        return;
+
+    g.drawImageTransformed (
+        backgroundImage.getClippedImage ({ sourceWidth, sourceHeight }),
+        juce::AffineTransform::scale (static_cast<float> (getWidth()) / static_cast<float> (sourceWidth),
+                                      static_cast<float> (getHeight()) / static_cast<float> (sourceHeight)));
+}
+
+void TarvellineAudioProcessorEditor::resized()
+{
+    const auto scaleX =
+        static_cast<float> (getWidth()) / static_cast<float> (designWidth) * static_cast<float> (sizeMode);
+    const auto scaleY = static_cast<float> (getHeight()) / static_cast<float> (designHeight);
+
+    for (auto& [control, bounds, id, title] : placementsOf (controls))
+        control.setBounds (juce::roundToInt (scaleX * bounds.getX()), juce::roundToInt (scaleY * bounds.getY()),
+                           juce::roundToInt (scaleX * bounds.getWidth()),
+                           juce::roundToInt (scaleY * bounds.getHeight()));
+
+    if (isVisible()) // not while the window is still being made
+        processor.uiHeight = getHeight();
+
+    controls.valueLabel.setVisible (false);
+}
+} // namespace tarvelline

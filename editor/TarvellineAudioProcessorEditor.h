@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "editor/ControlTables.h"
+#include "processor/TarvellineAudioProcessor.h"
+#include "widgets/FlatLookAndFeel.h"
+#include "widgets/MainRotaryDraw.h"
+#include "widgets/RotaryDisplayTick.h"
+#include "widgets/RotaryTick.h"
+
+#include <juce_audio_processors/juce_audio_processors.h>
+
+#include <memory>
+
+namespace tarvelline
+{
+/** The plug-in's window: a pitch section, and in full size a timbre section beside it, on one painted panel.
+
+    Full size shows the whole design of 1024 x 576 units; half size shows its left half in half the width. The height is
+    free from 258 to 576 pixels, the width follows from it and from the mode. What each control is bound to and where it lies
+    stands in ControlTables.
+    Message thread only. It writes some of the processor's shared fields directly; all of them are relaxed atomics. */
+class TarvellineAudioProcessorEditor : public juce::AudioProcessorEditor,
+                                       private juce::Button::Listener,
+                                       private juce::Slider::Listener,
+                                       private juce::ComboBox::Listener,
+                                       public juce::Timer
+{
+public:
+    explicit TarvellineAudioProcessorEditor (TarvellineAudioProcessor&);
+    ~TarvellineAudioProcessorEditor() override;
+
+    void paint (juce::Graphics&) override;
+    void resized() override;
+
+    /** Hides the value read-out when its time is over and repaints the keyboard when notes have changed; every 60 ms. */
+    void timerCallback() override;
+
+private:
+    // Construction (TarvellineAudioProcessorEditor.cpp)
+    void showProcessorState();
+    void setLookColours();
+    void styleSliders();
+    void fillRangeBoxes();
+    void styleValueLabel();
+    void styleButtons();
+    void nameControls();
+    void listenToControls();
+    void attachParameters();
+    void openAtStoredHeight();
+
+    // Behaviour (EditorBehaviour.cpp)
+    void comboBoxChanged (juce::ComboBox*) override;
+    void buttonClicked (juce::Button*) override;
+    void sliderValueChanged (juce::Slider*) override;
+    void applyPitchSnap (double steps);
+    void applyTimbreSnap (double steps);
+    void applyMidiMode();
+    void applySizeMode();
+    void showValueAbove (const juce::Slider&);
+    int widthFor (int height) const noexcept;
+
+    int sizeMode = 1;              // 1 = full, 2 = half: the divisor of the visible design width
+    float aspectRatio = 1.77778f;  // window width over height
+    double pitchRangeSteps = 12.0; // semitones from end to end, as the range box has it
+    double timbreRangeSteps = 12.0;
+    int valueLabelCountdown = 0; // timer ticks until the read-out is hidden
+
+    EditorControls controls;
+    juce::OwnedArray<juce::AudioProcessorValueTreeState::SliderAttachment> sliderAttachments;
+    juce::OwnedArray<juce::AudioProcessorValueTreeState::ComboBoxAttachment> comboBoxAttachments;
+    juce::OwnedArray<juce::AudioProcessorValueTreeState::ButtonAttachment> buttonAttachments;
+    std::unique_ptr<MainRotaryDraw> mainRotaryLook = std::make_unique<MainRotaryDraw>();
+    std::unique_ptr<RotaryTick> tickLook = std::make_unique<RotaryTick>();
+    std::unique_ptr<RotaryDisplayTick> displayTickLook = std::make_unique<RotaryDisplayTick>();
+    std::unique_ptr<TarvellineLookAndFeel> mainLook = std::make_unique<TarvellineLookAndFeel>();
+    std::unique_ptr<MidiOptionsLookAndFeel> midiOptionsLook = std::make_unique<MidiOptionsLookAndFeel>();
+    juce::Image backgroundImage;
+    TarvellineAudioProcessor& processor;
+
+    JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (TarvellineAudioProcessorEditor)
+};
+} // namespace tarvelline

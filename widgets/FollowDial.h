@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "processor/TarvellineAudioProcessor.h"
+
+#include <juce_gui_basics/juce_gui_basics.h>
+
+namespace tarvelline
+{
+/** Shows where a wheel's sound is now: a ring that turns with the wheel's moving point, and the shift in semitones.
+
+    Some seconds after it was made it shows, once, a line with the plug-in's format and version. It takes no mouse clicks.
+    Message thread only; the wheel's state is polled every 20 ms. */
+class FollowDial : public juce::Component, private juce::Timer
+{
+public:
+    FollowDial();
+    ~FollowDial() override;
+
+    /** @param wheelIndex  the wheel to follow: 0 pitch, 1 timbre; the processor must outlive the dial */
+    void setUp (TarvellineAudioProcessor&, int wheelIndex);
+
+    /** The wheel slider's sweep, so that ring and puck turn alike. */
+    void setRotaryParameters (juce::Slider::RotaryParameters newSweep) { sweep = newSweep; }
+
+    /** The display face, at its default height. */
+    const juce::Font& getDialFont() const noexcept { return dialFont; }
+
+    void paint (juce::Graphics&) override;
+
+private:
+    void timerCallback() override;
+    void drawRing (juce::Graphics&) const;
+    void drawNumber (juce::Graphics&) const;
+    void drawInfoLine (juce::Graphics&) const;
+    bool infoLineShows() const noexcept;
+
+    const WheelRecord* wheel = nullptr;
+    float position = 0.5f;   // of the wheel's moving point, 0..1
+    float shownValue = 0.0f; // semitones
+    juce::Slider::RotaryParameters sweep {};
+    juce::Image ring;
+    juce::Font dialFont;
+    juce::String infoText;
+    int flashCounter; // timer ticks until the information line has come and gone
+};
+} // namespace tarvelline

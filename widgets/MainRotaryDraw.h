@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <juce_gui_basics/juce_gui_basics.h>
+
+namespace tarvelline
+{
+/** Look of the big wheels: a puck that travels round a circle and turns with the value. Nothing else is drawn, so what
+    lies beneath the slider shows. Draws nothing if the picture cannot be decoded. Message thread only. */
+class MainRotaryDraw : public juce::LookAndFeel_V4
+{
+public:
+    MainRotaryDraw();
+
+    void drawRotarySlider (juce::Graphics&, int x, int y, int width, int height, float sliderPosProportional,
+                           float rotaryStartAngle, float rotaryEndAngle, juce::Slider&) override;
+
+private:
+    juce::Image puckImg;
+};
+} // namespace tarvelline
