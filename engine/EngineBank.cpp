@@ -37,7 +37,10 @@ FrameChoice frameChoiceFor (float sampleRate) noexcept
 float ratioOf (float semitones) noexcept { return std::exp (semitones * semitoneToLog); }
 } // namespace
 
-void EngineBank::setSampleRate (float hertz) noexcept { sampleRate = hertz > 0.0f ? hertz : 44100.0f; }
+void EngineBank::setSampleRate (float hertz) noexcept
+{
+    sampleRate = hertz > 0.0f && std::isfinite (hertz) ? hertz : 44100.0f;
+}
 
 int EngineBank::frameSizeFor (float sampleRate) noexcept { return frameChoiceFor (sampleRate).frameSize; }
 

@@ -34,6 +34,15 @@ void writeEnvelope (const juce::XmlElement& xml, juce::MemoryBlock& destination)
     destination.copyFrom (&length, static_cast<int> (lengthOffset), sizeof (length));
 }
 
+/** The framework's parser takes a text that ends between two attributes for a whole element: a block cut off there would
+    be restored in part. */
+bool isCutOff (const void* data, int sizeInBytes)
+{
+    constexpr auto headerSize = static_cast<int> (envelopeSize) - 1;
+    const auto* text = static_cast<const char*> (data) + headerSize;
+    return ! juce::String::fromUTF8 (text, sizeInBytes - headerSize).trimEnd().endsWithChar ('>');
+}
+
 /** The attribute as a number; 0 if it is none, which "nan" and "inf" are not either. */
 float readValue (const juce::XmlElement& xml, juce::StringRef attribute)
 {
@@ -59,7 +68,7 @@ void TarvellineAudioProcessor::setStateInformation (const void* data, int sizeIn
 {
     const auto xml = getXmlFromBinary (data, sizeInBytes);
 
-    if (xml == nullptr || xml->getTagName() != stateTag)
+    if (xml == nullptr || xml->getTagName() != stateTag || isCutOff (data, sizeInBytes))
         return;
 
     uiHeight = xml->getIntAttribute (heightAttribute);
