@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <string_view>
 
 namespace tarvelline
 {
@@ -15,6 +16,7 @@ constexpr auto stateTag = "TARVELLINEVERSION"; // identity and version mark of t
 constexpr auto heightAttribute = "uiHeight";
 constexpr int envelopeMagic = 0x21324356; // "VC2!"
 constexpr size_t lengthOffset = 4;        // bytes
+constexpr size_t textOffset = 8;          // bytes
 constexpr size_t envelopeSize = 9;        // bytes around the text
 constexpr int valueDecimals = 20;         // enough to give every float back exactly
 
@@ -38,9 +40,14 @@ void writeEnvelope (const juce::XmlElement& xml, juce::MemoryBlock& destination)
     be restored in part. */
 bool isCutOff (const void* data, int sizeInBytes)
 {
-    constexpr auto headerSize = static_cast<int> (envelopeSize) - 1;
-    const auto* text = static_cast<const char*> (data) + headerSize;
-    return ! juce::String::fromUTF8 (text, sizeInBytes - headerSize).trimEnd().endsWithChar ('>');
+    const auto* bytes = static_cast<const char*> (data);
+    const auto storedLength = static_cast<size_t> (juce::ByteOrder::littleEndianInt (bytes + lengthOffset));
+    const auto length = std::min (storedLength, static_cast<size_t> (sizeInBytes) - textOffset);
+    const auto block = std::string_view (bytes + textOffset, length);
+    const auto text = block.substr (0, block.find ('\0'));
+    const auto last = text.find_last_not_of (" \t\r\n");
+
+    return last == text.npos || text[last] != '>';
 }
 
 /** The attribute as a number; 0 if it is none, which "nan" and "inf" are not either. */
