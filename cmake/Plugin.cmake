@@ -54,4 +54,4 @@ function(tarvelline_use_shared_code target)
 endfunction()
 
 # Where the finished module stands, for the programs that load it.
-set(TARVELLINE_MODULE_PATH "$<TARGET_PROPERTY:Tarvelline_VST3,JUCE_PLUGIN_ARTEFACT_FILE>")
+set(TARVELLINE_MODULE_PATH "$<GENEX_EVAL:$<TARGET_PROPERTY:Tarvelline_VST3,JUCE_PLUGIN_ARTEFACT_FILE>>")

@@ -93,6 +93,10 @@ void TarvellineAudioProcessorEditor::applySizeMode()
     aspectRatio = fullAspectRatio / static_cast<float> (sizeMode);
     getConstrainer()->setFixedAspectRatio (static_cast<double> (aspectRatio));
 
+    // What lies outside the window is out of reach of the Tab key and of screen readers too.
+    for (auto& place : placementsOf (controls))
+        place.control.setVisible (place.bounds.getX() < static_cast<float> (designWidth / sizeMode));
+
     if (isVisible())
     {
         setBounds (getX(), getY(), widthFor (getHeight()), getHeight());

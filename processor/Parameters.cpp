@@ -28,7 +28,8 @@ const std::array<ParameterRow, 15> parameterTable { {
 double spanForRange (float selectorValue) noexcept
 {
     constexpr auto lastEntry = static_cast<float> (wheelRangeTable.size() - 1);
-    return wheelRangeTable[static_cast<std::size_t> (std::clamp (selectorValue, 0.0f, lastEntry))];
+    const auto held = selectorValue > 0.0f ? std::min (selectorValue, lastEntry) : 0.0f; // a NaN is not above 0
+    return wheelRangeTable[static_cast<std::size_t> (held)];
 }
 
 void createParameters (juce::AudioProcessorValueTreeState& parameters)
