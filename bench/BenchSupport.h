@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cmath>
+#include <ctime>
+#include <numbers>
+#include <random>
+#include <vector>
+
+namespace tarvelline::bench
+{
+/** A second of what an effect meets: two harmonic tones that decay and start again four times, over quiet noise. Onsets,
+    steady partials and a noise floor each take their own way through the engine. */
+inline std::vector<float> material (double rate)
+{
+    std::mt19937 generator;
+    std::vector<float> samples (static_cast<std::size_t> (rate));
+
+    for (std::size_t i = 0; i < samples.size(); ++i)
+    {
+        const auto seconds = static_cast<double> (i) / rate;
+        const auto decay = std::exp (-6.0 * std::fmod (seconds, 0.25));
+        auto value = 0.01 * (static_cast<double> (generator()) / 2147483647.5 - 1.0);
+
+        for (const auto fundamental : { 196.0, 293.66 })
+            for (int n = 1; n <= 12; ++n)
+                value += 0.15 * decay / n * std::sin (2.0 * std::numbers::pi * fundamental * n * seconds);
+
+        samples[i] = static_cast<float> (value);
+    }
+
+    return samples;
+}
+
+/** Times blocks of audio: what they cost, and how near the slowest came to its deadline. CPU time throughout, so that
+    other programs on the machine do not count. */
+class BlockMeter
+{
+public:
+    BlockMeter (int blockSize, double rate) : secondsPerBlock (blockSize / rate) {}
+
+    template <typename Work>
+    void measure (Work&& work)
+    {
+        const auto start = std::clock();
+        work();
+        const auto seconds = static_cast<double> (std::clock() - start) / CLOCKS_PER_SEC;
+        slowest = std::max (slowest, seconds);
+        ++blocks;
+    }
+
+    void report (benchmark::State& state) const
+    {
+        using benchmark::Counter;
+        const auto secondsOfAudio = blocks * secondsPerBlock;
+        state.counters["cpu_per_audio_s"] = Counter (secondsOfAudio, Counter::kIsRate | Counter::kInvert);
+        state.counters["x_realtime"] = Counter (secondsOfAudio, Counter::kIsRate);
+        state.counters["slowest_share"] = slowest / secondsPerBlock; // of the block's deadline; 1 = a drop-out
+    }
+
+private:
+    double secondsPerBlock, slowest = 0.0, blocks = 0.0;
+};
+} // namespace tarvelline::bench

@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Builds the plug-in and the renderer, with all they need. Without arguments it plays the demo into out/; with arguments it
+# hands them to tarvelline-render (./run.sh --help lists them).
+set -euo pipefail
+
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
+source "$root/tools/setup"
+
+install_missing
+build_targets "$root" release Tarvelline_VST3 tarvelline_render
+
+render="$root/build/release/tools/render/tarvelline-render"
+
+if [[ $# -gt 0 ]]; then
+    exec "$render" "$@"
+fi
+
+demo="$root/demo" out="$root/out"
+mkdir -p "$out"
+
+# The wheels with swing: a little less gravity than they come with.
+"$render" "$demo/guitar.wav" "$out/gesture.wav" --plot "$out/gesture.png" \
+    --automate "$demo/gesture.csv" --midi "$demo/gesture.mid" \
+    --set mainRange=0.8 --set mainGravityPar=0.46 --set timbRange=0.8
+
+# Notes as voices.
+"$render" "$demo/guitar.wav" "$out/chord.wav" --midi "$demo/chord.mid" --set midiOptions=0
+
+module="$(find "$root/build/release" -type d -name Tarvelline.vst3 -print -quit)"
+echo "Listen to out/gesture.wav (the wheel swings up and back, a note transposes, the timbre darkens; see out/gesture.png) and out/chord.wav (one guitar, four voices, a bend)."
+echo "To install the plug-in: mkdir -p ~/.vst3 && cp -r $module ~/.vst3/"

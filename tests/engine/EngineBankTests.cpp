@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/EngineBank.h"
+#include "tests/support/Meters.h"
+#include "tests/support/Signals.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace tarvelline::test
+{
+namespace
+{
+constexpr FrameControls transposing { .pitchSemitones = 5.0f };
+constexpr FrameControls voicing { .pitchSemitones = 2.0f, .transposeMode = false };
+
+/** A bank at a sample rate with its voice slots, played in mono. */
+struct Rig
+{
+    explicit Rig (float rate = 44100.0f)
+    {
+        bank.setSampleRate (rate);
+        bank.rebuildEngines();
+
+        for (int i = 0; i < voiceCount; ++i)
+            slots[static_cast<std::size_t> (i)].index = i;
+    }
+
+    void start (std::size_t slot, float semitones, float level = 1.0f)
+    {
+        slots[slot] = {
+            .active = true, .index = static_cast<int> (slot), .started = true, .level = level, .semitones = semitones
+        };
+    }
+
+    Samples play (const FrameControls& controls, Signal input)
+    {
+        Samples output (input.size());
+
+        for (std::size_t i = 0; i < input.size(); ++i)
+            bank.processFrame (controls, slots, &input[i], &output[i], 1);
+
+        return output;
+    }
+
+    EngineBank bank;
+    VoiceSlots slots;
+};
+
+float ratioOf (float semitones) { return std::exp (semitones * 0.05776231f); }
+
+/** What one engine alone makes of the input. */
+Samples playEngine (float pitchRatio, float formantRatio, Signal input, int frameSize = 2048, float scale = 1.0f,
+                    float rate = 44100.0f)
+{
+    PitchShiftEngine engine;
+    engine.prepare (frameSize, scale, rate);
+    engine.setRatios (pitchRatio, formantRatio);
+    Samples output (input.size());
+
+    for (std::size_t i = 0; i < input.size(); ++i)
+        engine.processFrame (&input[i], &output[i], 1);
+
+    return output;
+}
+
+Samples material (double rate = 44100.0)
+{
+    return mix (harmonicTone (220.0, rate, 0.3, 20, 0.3), clickTrain (lengthOf (0.3, rate), 4000));
+}
+} // namespace
+
+// Catches a limit on the wrong side of its rate, and a rate that makes a frame of no length.
+TEST (EngineBank, FrameLengthFollowsTheSampleRate)
+{
+    constexpr auto nan = std::numeric_limits<float>::quiet_NaN();
+
+    for (const auto& [rate, frameSize] : { std::pair { 8000.0f, 2048 },
+                                           { 44100.0f, 2048 },
+                                           { 48000.0f, 2048 },
+                                           { 48001.0f, 4096 },
+                                           { 88200.0f, 4096 },
+                                           { 96000.0f, 4096 },
+                                           { 96001.0f, 8192 },
+                                           { 192000.0f, 8192 },
+                                           { 384000.0f, 8192 } })
+        EXPECT_EQ (EngineBank::frameSizeFor (rate), frameSize) << rate;
+
+    for (const auto useless : { 0.0f, -48000.0f, nan })
+        EXPECT_EQ (Rig (useless).bank.getSampleRate(), 44100.0f);
+}
+
+// Catches a frequency scale of another rate, a gain, a missing conversion of semitones, and a voice slot that is heard.
+TEST (EngineBank, TransposeModeIsEngineZeroAlone)
+{
+    for (const auto& [rate, frameSize, scale] : { std::tuple { 44100.0f, 2048, 44100.0f * 2.2675737e-5f },
+                                                  { 48000.0f, 2048, 48000.0f * 2.2675737e-5f },
+                                                  { 96000.0f, 4096, 96000.0f * 1.5625e-5f },
+                                                  { 192000.0f, 8192, 192000.0f * 1.0416667e-5f } })
+    {
+        const auto input = material (static_cast<double> (rate));
+        Rig rig (rate);
+        rig.start (3, 7.0f);
+        EXPECT_TRUE (
+            sameBits (rig.play (transposing, input), playEngine (ratioOf (5.0f), 1.0f, input, frameSize, scale, rate)))
+            << rate;
+        EXPECT_EQ (rig.bank.getFrameSize(), frameSize);
+    }
+}
+
+// Catches a voice that takes another's engine, gain or shift, that misses the wheel, or whose start is not acknowledged.
+TEST (EngineBank, VoiceModeAddsTheActiveVoicesAtTheirLevels)
+{
+    Rig rig;
+    rig.start (1, 4.0f, 0.5f);
+    rig.start (6, -9.0f, 1.0f);
+    rig.slots[0].started = true; // not active
+    const auto input = material(), actual = rig.play (voicing, input);
+
+    auto expected = playEngine (ratioOf (4.0f + 2.0f), 1.0f, input);
+    const auto second = playEngine (ratioOf (-9.0f + 2.0f), 1.0f, input);
+
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        expected[i] = expected[i] * 0.5f + second[i];
+
+    EXPECT_TRUE (sameBits (actual, expected));
+    EXPECT_FALSE (rig.slots[1].started);
+    EXPECT_FALSE (rig.slots[6].started);
+    EXPECT_TRUE (rig.slots[0].started);
+}
+
+// Catches an engine that starts when its voice becomes audible: the note would sound a whole latency late. And a negative
+// gain, which would sound at once, upside down.
+TEST (EngineBank, AVoiceWithNegativeLevelIsSilentWhileItsEngineFills)
+{
+    Rig rig;
+    rig.start (0, 5.0f, -0.2f);
+    const auto input = material();
+    EXPECT_EQ (peak (rig.play (voicing, Signal (input).first (4096))), 0.0f);
+
+    rig.slots[0].level = 1.0f;
+    const auto audible = rig.play (voicing, Signal (input).subspan (4096)),
+               expected = playEngine (ratioOf (7.0f), 1.0f, input);
+    EXPECT_TRUE (sameBits (audible, Signal (expected).subspan (4096)));
+}
+
+// Catches engines that run or are cleared while their voice is off: a note that returns takes up where the slot stopped.
+TEST (EngineBank, AnInactiveVoicesEngineStandsStill)
+{
+    Rig rig;
+    rig.start (0, 5.0f);
+    rig.start (1, 0.0f);
+    const auto input = material(), noise = whiteNoise (9999);
+    rig.play (voicing, Signal (input).first (5000));
+
+    rig.slots[0].active = false;
+    rig.play (voicing, noise);
+    rig.slots[0].active = true;
+    rig.slots[1].active = false;
+
+    const auto resumed = rig.play (voicing, Signal (input).subspan (5000)),
+               expected = playEngine (ratioOf (7.0f), 1.0f, input);
+    EXPECT_TRUE (sameBits (resumed, Signal (expected).subspan (5000)));
+}
+
+// The envelope is to land at the timbre shift wherever the pitch goes. Catches an inverted ratio, and a voice's own shift that
+// moves its envelope. Equal shifts make the ratio exactly 1, and so the plain sound.
+TEST (EngineBank, FormantRatioIsPitchOverTimbre)
+{
+    const auto input = material();
+
+    for (const auto transposeMode : { true, false })
+        for (const auto timbre : { 3.0f, 5.0f })
+        {
+            Rig rig;
+            rig.start (0, transposeMode ? 0.0f : 7.0f);
+            const FrameControls controls { 5.0f, timbre, transposeMode, true };
+            const auto pitch = rig.slots[0].semitones + 5.0f, envelope = rig.slots[0].semitones + timbre;
+            const auto formantRatio = timbre == 5.0f ? 1.0f : ratioOf (pitch) / ratioOf (envelope);
+            EXPECT_TRUE (sameBits (rig.play (controls, input), playEngine (ratioOf (pitch), formantRatio, input)))
+                << transposeMode << ' ' << timbre;
+        }
+}
+
+// Catches a delay one sample off, which combs the mix, and one ring for both channels.
+TEST (EngineBank, TheDrySignalIsExactlyOneFrameLate)
+{
+    for (const auto rate : { 44100.0f, 96000.0f, 192000.0f })
+    {
+        Rig rig (rate);
+        const auto length = static_cast<std::size_t> (rig.bank.getFrameSize());
+        const auto left = whiteNoise (30000), right = whiteNoise (30000, noiseSeed + 1);
+
+        for (std::size_t i = 0; i < left.size(); ++i)
+        {
+            ASSERT_EQ (rig.bank.delayDry (0, left[i]), i < length ? 0.0f : left[i - length]) << i;
+            ASSERT_EQ (rig.bank.delayDry (1, right[i]), i < length ? 0.0f : right[i - length]) << i;
+        }
+    }
+}
+
+// Catches sound of the last run that is heard after a restart, and an unbuilt bank that calls itself ready.
+TEST (EngineBank, RebuildingStartsFromSilence)
+{
+    Rig rig;
+    const auto before = rig.play (transposing, material());
+    rig.bank.delayDry (0, 1.0f);
+
+    rig.bank.rebuildEngines();
+    EXPECT_TRUE (sameBits (rig.play (transposing, material()), before));
+
+    for (int i = 0; i <= rig.bank.getFrameSize(); ++i)
+        ASSERT_EQ (rig.bank.delayDry (0, 0.0f), 0.0f);
+
+    EXPECT_FALSE (EngineBank().isReady());
+    EXPECT_TRUE (rig.bank.isReady());
+    rig.bank.destroyEngines();
+    EXPECT_FALSE (rig.bank.isReady());
+}
+} // namespace tarvelline::test

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <juce_gui_basics/juce_gui_basics.h>
+
+#include <functional>
+#include <iosfwd>
+#include <vector>
+
+namespace tarvelline::test
+{
+/** A line of text as it was drawn, read back from its glyphs: what it says, where, in which type and colour. */
+struct DrawnText
+{
+    juce::String text; // with the blanks between words, but none at the ends
+    float left = 0.0f; // of the picture, as the font's advances have it
+    float right = 0.0f;
+    float baseline = 0.0f;
+    float height = 0.0f;   // of the font
+    juce::String typeface; // its family
+    juce::Colour colour;   // with the opacity it was drawn in
+};
+
+/** All text that `draw` draws on a picture of the given size, line by line in the order of drawing. Printable ASCII only. */
+std::vector<DrawnText> textsDrawnBy (int width, int height, const std::function<void (juce::Graphics&)>& draw);
+
+/** All text that a component and its children show. */
+std::vector<DrawnText> textsOf (juce::Component&);
+
+/** The words alone. */
+std::vector<juce::String> wordsOf (juce::Component&);
+} // namespace tarvelline::test

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "tools/render/Timeline.h"
+
+#include <juce_audio_processors/juce_audio_processors.h>
+
+#include <memory>
+
+namespace tarvelline::render
+{
+/** The built plug-in module, loaded and driven through its VST3 interface as a host does. Message thread only. */
+class HostedModule
+{
+public:
+    /** Throws UserError when there is no such module, or another plug-in in its place.
+        @param asked  the module to load; juce::File() for the first found: the one built beside this program, then those
+                      installed for this user and for the machine */
+    explicit HostedModule (const juce::File& asked);
+
+    /** Makes it ready to play from rest, with the settings in force from the first sample on.
+        @param channels  1 or 2, in and out */
+    void prepare (double sampleRate, int channels, int largestBlock, const std::vector<Setting>&);
+
+    /** Samples by which the output is late, once prepared. */
+    int getLatency() const { return instance->getLatencySamples(); }
+
+    /** Plays one block in place; the buffer is as long as the block. */
+    void process (juce::AudioBuffer<float>&, const Block&);
+
+private:
+    void apply (const std::vector<Setting>&);
+    void verifyParameters (const juce::File&) const;
+
+    juce::VST3PluginFormat format;
+    std::unique_ptr<juce::AudioPluginInstance> instance;
+};
+} // namespace tarvelline::render

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/render/Options.h"
+
+#include "processor/Parameters.h"
+#include "tools/render/Errors.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace tarvelline::render
+{
+namespace
+{
+constexpr int largestBlock = 65536; // samples; more than any host uses
+
+juce::File fileNamed (const juce::String& path) { return juce::File::getCurrentWorkingDirectory().getChildFile (path); }
+
+void addSetting (Options& options, const juce::String& text)
+{
+    if (! text.containsChar ('='))
+        throw UserError ("--set " + text + ": give parameterId=value, as in --set mixerPar=0.5");
+
+    options.settings.push_back (parseSetting ("--set " + text, text.upToFirstOccurrenceOf ("=", false, false).trim(),
+                                              text.fromFirstOccurrenceOf ("=", false, false).trim()));
+}
+
+void setSemitones (Options& options, const juce::String& text)
+{
+    options.semitones = parseNumber (text);
+
+    if (! options.semitones || std::abs (*options.semitones) > wheelRangeTable.back() / 2.0)
+        throw UserError ("--semitones " + text + ": give a number from -24 to +24");
+}
+
+void setBlockSize (Options& options, const juce::String& text)
+{
+    const auto size = parseNumber (text);
+
+    if (! size || *size < 1.0 || *size > largestBlock || *size != std::floor (*size))
+        throw UserError ("--block " + text + ": give a whole number of samples from 1 to 65536");
+
+    options.blockSize = static_cast<int> (*size);
+}
+
+void setBits (Options& options, const juce::String& text)
+{
+    if (text != "24" && text != "32")
+        throw UserError ("--bits " + text + ": give 24 (integer) or 32 (float)");
+
+    options.bits = text.getIntValue();
+}
+
+struct Row
+{
+    const char* name;
+    void (*take) (Options&, const juce::String& value);
+};
+
+const std::array<Row, 8> rows { {
+    { "--set", addSetting },
+    { "--semitones", setSemitones },
+    { "--midi", [] (Options& o, const juce::String& text) { o.midi = fileNamed (text); } },
+    { "--automate", [] (Options& o, const juce::String& text) { o.automation = fileNamed (text); } },
+    { "--block", setBlockSize },
+    { "--module", [] (Options& o, const juce::String& text) { o.module = fileNamed (text); } },
+    { "--plot", [] (Options& o, const juce::String& text) { o.plot = fileNamed (text); } },
+    { "--bits", setBits },
+} };
+
+// "--name value" or "--name=value"; moves `next` past what it used.
+void takeOption (Options& options, const juce::StringArray& arguments, int& next)
+{
+    const auto argument = arguments[next++];
+    const auto name = argument.upToFirstOccurrenceOf ("=", false, false);
+    const auto row = std::find_if (rows.begin(), rows.end(), [&] (const Row& r) { return name == r.name; });
+
+    if (row == rows.end())
+        throw UserError ("unknown option " + argument + "; tarvelline-render --help lists what there is");
+
+    const auto inside = argument.fromFirstOccurrenceOf ("=", false, false);
+    const auto value = argument.containsChar ('=') ? inside : arguments[next++];
+
+    if (value.isEmpty())
+        throw UserError (name + " needs a value; see tarvelline-render --help");
+
+    row->take (options, value);
+}
+
+// The smallest span that reaches the shift gives the wheel its finest step.
+void addShift (std::vector<Setting>& settings, double semitones)
+{
+    const auto range = parameterIndex (parameterId::mainRange), wheel = parameterIndex (parameterId::mainWheelPar);
+
+    for (const auto& setting : settings)
+        if (setting.parameter == range || setting.parameter == wheel)
+            throw UserError ("--semitones sets mainWheelPar and mainRange: leave out --set for these");
+
+    const auto span = std::find_if (wheelRangeTable.begin(), wheelRangeTable.end(),
+                                    [&] (double s) { return s / 2.0 >= std::abs (semitones); });
+    const auto selector = static_cast<float> (span - wheelRangeTable.begin());
+
+    settings.push_back ({ range, selector / parameterTable[static_cast<std::size_t> (range)].rangeEnd });
+    settings.push_back ({ wheel, static_cast<float> (0.5 + semitones / *span) });
+}
+
+Options::Action actionFor (const juce::StringArray& arguments)
+{
+    return arguments.contains ("--help") || arguments.contains ("-h") ? Options::Action::showHelp
+           : arguments.contains ("--version")                         ? Options::Action::showVersion
+                                                                      : Options::Action::render;
+}
+} // namespace
+
+Options parseOptions (const juce::StringArray& arguments)
+{
+    Options options;
+    options.action = actionFor (arguments);
+
+    if (options.action != Options::Action::render)
+        return options;
+
+    juce::StringArray files;
+
+    for (int next = 0; next < arguments.size();)
+        if (arguments[next].startsWithChar ('-'))
+            takeOption (options, arguments, next);
+        else
+            files.add (arguments[next++]);
+
+    if (files.size() != 2)
+        throw UserError (
+            (files.size() < 2 ? "name two files, IN and OUT" : "more than two files: " + files[2] + " is too many")
+            + juce::String ("; tarvelline-render --help shows how"));
+
+    if (options.semitones)
+        addShift (options.settings, *options.semitones);
+
+    options.input = fileNamed (files[0]);
+    options.output = fileNamed (files[1]);
+    return options;
+}
+} // namespace tarvelline::render

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "tools/render/Events.h"
+
+#include <cstdint>
+#include <utility>
+
+namespace tarvelline::render
+{
+/** One call of the plug-in: what changes before its first sample, and how many samples it has. */
+struct Block
+{
+    std::int64_t start = 0; // sample from the start of the recording
+    int length = 0;
+    std::vector<Setting> settings;
+    juce::MidiBuffer midi; // at most one message, at sample 0
+};
+
+/** Cuts the time into blocks so that every event falls on a block's first sample, where the plug-in takes it.
+
+    A MIDI message has a block of its own: the plug-in takes one a sample and a host hands on one bend a block, so of
+    messages at the same time each comes one sample after the one before. A bend's block is one sample long, for the bend
+    is heard from the next block on. */
+class Timeline
+{
+public:
+    Timeline (const std::vector<TimedSetting>&, const std::vector<TimedMessage>&, double sampleRate);
+
+    /** The block that begins at a sample; call it with the end of the block before.
+        @param largest  samples, 1 or more */
+    Block blockAt (std::int64_t start, int largest);
+
+    /** Events that fall on this sample or later. */
+    int eventsFrom (std::int64_t sample) const;
+
+private:
+    std::vector<std::pair<std::int64_t, Setting>> settings;
+    std::vector<std::pair<std::int64_t, juce::MidiMessage>> messages;
+    std::size_t nextSetting = 0, nextMessage = 0;
+};
+} // namespace tarvelline::render
