@@ -42,6 +42,8 @@ TarvellineAudioProcessorEditor::TarvellineAudioProcessorEditor (TarvellineAudioP
     for (auto* control : zOrderOf (controls))
         addAndMakeVisible (control);
 
+    setOpaque (backgroundImage.isValid());
+
     setResizable (true, true);
     applySizeMode();
     openAtStoredHeight();
@@ -105,6 +107,7 @@ void TarvellineAudioProcessorEditor::styleSliders()
         scale->setInterceptsMouseClicks (false, false);
         scale->setWantsKeyboardFocus (false);
         scale->setAccessible (false);
+        scale->setBufferedToImage (true); // hundreds of ticks, under a dial that repaints 50 times a second
     }
 }
 
