@@ -3,6 +3,8 @@
 #include "bench/BenchSupport.h"
 #include "processor/TarvellineAudioProcessor.h"
 
+#include <algorithm>
+
 namespace tarvelline::bench
 {
 namespace

@@ -4,6 +4,8 @@
 #include "engine/HartleyTransform.h"
 #include "engine/PitchShiftEngine.h"
 
+#include <algorithm>
+
 #if defined(__SSE2__)
     #include <xmmintrin.h>
 #endif

@@ -6,21 +6,19 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 
 namespace tarvelline::test
 {
-/** A prepared processor with its window open, off the screen. What is to be set before it opens, `before` sets. */
+/** A prepared processor with its window open, off the screen. */
 struct EditorRig : ProcessorRig
 {
-    explicit EditorRig (const std::function<void (EditorRig&)>& before = {})
+    /** @param storedHeight  of the last window, 0 = none, @param full  the size mode */
+    explicit EditorRig (int storedHeight = 0, bool full = false)
     {
         prepare();
-
-        if (before)
-            before (*this);
-
+        processor.uiHeight = storedHeight;
+        set (parameterId::toggleSize, full ? 1.0f : 0.0f);
         open();
     }
 
@@ -33,17 +31,15 @@ struct EditorRig : ProcessorRig
     template <typename Control = juce::Component>
     Control& control (const juce::String& id)
     {
-        auto* found = dynamic_cast<Control*> (editor->findChildWithID (id));
-
-        if (found == nullptr)
-            throw std::runtime_error ("no such control: " + id.toStdString());
-
-        return *found;
+        return dynamic_cast<Control&> (*editor->findChildWithID (id));
     }
 
-    juce::Slider& slider (const juce::String& id) { return control<juce::Slider> (id); }
     double snapTo (const juce::String& id) { return control<SnapSlider> (id).snapTo; }
     juce::String textOf (const juce::String& id) { return control<juce::Button> (id).getButtonText(); }
+    void turn (const juce::String& id, double value)
+    {
+        control<juce::Slider> (id).setValue (value, juce::sendNotificationSync);
+    }
     void toggle (const juce::String& id, bool on)
     {
         control<juce::Button> (id).setToggleState (on, juce::sendNotificationSync);
@@ -53,50 +49,16 @@ struct EditorRig : ProcessorRig
         control<juce::ComboBox> (id).setSelectedItemIndex (index, juce::sendNotificationSync);
     }
 
-    /** The value read-out: the one child without an ID. */
+    /** The value read-out above a knob: the topmost control, the corner to drag aside. */
     juce::Label& readOut()
     {
-        for (auto* child : editor->getChildren())
-            if (auto* label = dynamic_cast<juce::Label*> (child))
-                return *label;
-
-        throw std::runtime_error ("no read-out");
+        return dynamic_cast<juce::Label&> (*editor->getChildComponent (editor->getNumChildComponents() - 2));
     }
 
     std::unique_ptr<TarvellineAudioProcessorEditor> editor;
 };
 
-/** Hears a component being asked to repaint, which leaves no trace as long as no window is on the screen. The component
-    owns it. */
-class RepaintListener : public juce::CachedComponentImage
-{
-public:
-    static void listenTo (juce::Component& component, std::function<void (juce::Rectangle<int>)> heard)
-    {
-        auto* listener = new RepaintListener (component);
-        component.setCachedComponentImage (listener); // which repaints it
-        listener->heard = std::move (heard);
-    }
-
-    void paint (juce::Graphics&) override {}
-    bool invalidateAll() override { return invalidate (component.getLocalBounds()); }
-    bool invalidate (const juce::Rectangle<int>& area) override
-    {
-        if (heard)
-            heard (area);
-
-        return true;
-    }
-    void releaseResources() override {}
-
-private:
-    explicit RepaintListener (juce::Component& c) : component (c) {}
-
-    juce::Component& component;
-    std::function<void (juce::Rectangle<int>)> heard;
-};
-
-/** What is bound to what, the names as the host and the screen know them. */
+/** What is bound to what, in the names of the screen and of the host. */
 struct Bound
 {
     const char* control;
@@ -123,5 +85,30 @@ inline constexpr Bound boundButtons[] = {
 inline constexpr Bound boundBoxes[] = {
     { "pitchRangeBox", parameterId::mainRange },
     { "timbreRangeBox", parameterId::timbRange },
+};
+
+/** Hears a component being asked to repaint, which leaves no trace as long as no window is on the screen. */
+class RepaintListener : public juce::CachedComponentImage
+{
+public:
+    /** The component owns the listener, up to its own end. */
+    static void listenTo (juce::Component& component, std::function<void()> heard)
+    {
+        auto* listener = new RepaintListener;
+        component.setCachedComponentImage (listener); // which repaints it
+        listener->onRepaint = std::move (heard);
+    }
+
+    void paint (juce::Graphics&) override {}
+    void releaseResources() override {}
+    bool invalidate (const juce::Rectangle<int>&) override { return invalidateAll(); }
+    bool invalidateAll() override
+    {
+        onRepaint();
+        return true;
+    }
+
+private:
+    std::function<void()> onRepaint = [] {};
 };
 } // namespace tarvelline::test

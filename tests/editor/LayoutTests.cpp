@@ -29,140 +29,85 @@ const Placed timbreSection[] = {
     { "timbreRangeBox", { 536, 22, 74, 50 } },       { "timbreSnapButton", { 928, 22, 74, 50 } },
 };
 
-// A slip in the table of places, or a control left out of it.
-TEST (Layout, IsTheDesignAtFullSize)
+// A slip in the table of places, or a control left out of it; a half mode that squeezes the whole design.
+TEST (Layout, IsTheDesignAtItsOwnHeight)
 {
-    EditorRig rig (
-        [] (EditorRig& r)
-        {
-            r.set (parameterId::toggleSize, 1.0f);
-            r.processor.uiHeight = 576;
-        });
+    EditorRig full (576, true), half (576, false);
 
     for (const auto& [control, bounds] : pitchSection)
-        EXPECT_EQ (rig.control (control).getBounds(), bounds) << control;
+    {
+        EXPECT_EQ (full.control (control).getBounds(), bounds) << control;
+        EXPECT_EQ (half.control (control).getBounds(), bounds) << control;
+    }
 
     for (const auto& [control, bounds] : timbreSection)
-        EXPECT_EQ (rig.control (control).getBounds(), bounds) << control;
+    {
+        EXPECT_EQ (full.control (control).getBounds(), bounds) << control;
+        EXPECT_GE (half.control (control).getX(), half.editor->getWidth()) << control;
+    }
 
-    EXPECT_EQ (rig.readOut().getWidth(), 32);
-    EXPECT_EQ (rig.readOut().getHeight(), 16);
+    EXPECT_EQ (full.readOut().getLocalBounds(), Rectangle<int> (32, 16));
 }
 
-TEST (Layout, OfHalfModeIsTheLeftHalfOfTheDesign)
+// One factor for both axes, or edges rounded instead of sizes.
+TEST (Layout, ScalesEachAxisByItself)
 {
-    EditorRig rig ([] (EditorRig& r) { r.processor.uiHeight = 576; });
-    EXPECT_EQ (rig.editor->getBounds(), Rectangle<int> (512, 576));
+    const std::tuple<int, bool, Placed> cases[] = {
+        { 288, true, { "mainWheelSlider", { 46, 33, 165, 165 } } },
+        { 288, true, { "sizeButton", { 236, 165, 19, 48 } } },
+        { 288, false, { "mainWheelSlider", { 46, 33, 165, 165 } } },
+        { 400, false, { "mainWheelSlider", { 63, 45, 229, 229 } } },
+        { 400, false, { "mixerSlider", { 310, 350, 33, 33 } } },
+        { 258, true, { "keyboard", { 40, 236, 150, 16 } } },
+        { 258, true, { "timbreDial", { 294, 54, 99, 99 } } },
+    };
 
-    for (const auto& [control, bounds] : pitchSection)
-        EXPECT_EQ (rig.control (control).getBounds(), bounds) << control;
-
-    for (const auto& [control, bounds] : timbreSection)
-        EXPECT_GE (rig.control (control).getX(), 512) << control;
+    for (const auto& [height, full, place] : cases)
+        EXPECT_EQ (EditorRig (height, full).control (place.control).getBounds(), place.bounds) << height;
 }
-
-struct ScaledCase
-{
-    bool full;
-    int height;
-    Placed place;
-};
-
-class Scaled : public testing::TestWithParam<ScaledCase>
-{
-};
-
-// One factor for both axes, the half's width not doubled, or edges rounded instead of sizes.
-TEST_P (Scaled, AlongEachAxisOfItsOwn)
-{
-    EditorRig rig (
-        [] (EditorRig& r)
-        {
-            r.set (parameterId::toggleSize, GetParam().full ? 1.0f : 0.0f);
-            r.processor.uiHeight = GetParam().height;
-        });
-    EXPECT_EQ (rig.control (GetParam().place.control).getBounds(), GetParam().place.bounds);
-}
-
-INSTANTIATE_TEST_SUITE_P (Table, Scaled,
-                          testing::Values (ScaledCase { true, 288, { "mainWheelSlider", { 46, 33, 165, 165 } } },
-                                           ScaledCase { true, 288, { "sizeButton", { 236, 165, 19, 48 } } },
-                                           ScaledCase { false, 288, { "mainWheelSlider", { 46, 33, 165, 165 } } },
-                                           ScaledCase { false, 400, { "mainWheelSlider", { 63, 45, 229, 229 } } },
-                                           ScaledCase { false, 400, { "mixerSlider", { 310, 350, 33, 33 } } },
-                                           ScaledCase { true, 258, { "keyboard", { 40, 236, 150, 16 } } },
-                                           ScaledCase { true, 258, { "timbreDial", { 294, 54, 99, 99 } } }));
-
-struct OpeningCase
-{
-    int storedHeight;
-    bool full;
-    int width, height;
-};
-
-class Opening : public testing::TestWithParam<OpeningCase>
-{
-};
 
 // A height that the limits fit to a truncated width (500 opens at 499), or a stored one that no window can have.
-TEST_P (Opening, TakesTheStoredHeight)
+TEST (Opening, TakesTheStoredHeight)
 {
-    const auto [stored, full, width, height] = GetParam();
-    EditorRig rig (
-        [stored = stored, full = full] (EditorRig& r)
-        {
-            r.set (parameterId::toggleSize, full ? 1.0f : 0.0f);
-            r.processor.uiHeight = stored;
-        });
-
-    EXPECT_EQ (rig.editor->getBounds(), Rectangle<int> (width, height));
-    EXPECT_EQ (rig.processor.uiHeight, stored) << "only a visible window records its height";
+    for (const auto& [stored, full, width, height] :
+         { std::tuple { 0, true, 512, 288 }, std::tuple { 0, false, 256, 288 }, std::tuple { 500, true, 888, 500 },
+           std::tuple { 500, false, 444, 500 }, std::tuple { 100, true, 458, 258 }, std::tuple { 100, false, 229, 258 },
+           std::tuple { 9999, true, 1024, 576 }, std::tuple { 9999, false, 512, 576 },
+           std::tuple { -7, false, 229, 258 } })
+    {
+        EditorRig rig (stored, full);
+        EXPECT_EQ (rig.editor->getBounds(), Rectangle<int> (width, height));
+        EXPECT_EQ (rig.processor.uiHeight, stored) << "only a visible window records its height";
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P (Table, Opening,
-                          testing::Values (OpeningCase { 0, true, 512, 288 }, OpeningCase { 0, false, 256, 288 },
-                                           OpeningCase { 500, true, 888, 500 }, OpeningCase { 500, false, 444, 500 },
-                                           OpeningCase { 100, true, 458, 258 }, OpeningCase { 100, false, 229, 258 },
-                                           OpeningCase { 9999, true, 1024, 576 }, OpeningCase { 9999, false, 512, 576 },
-                                           OpeningCase { -7, false, 229, 258 }));
-
-TEST (SizeToggle, KeepsTheHeight)
+TEST (SizeToggle, KeepsPlaceAndHeight)
 {
-    EditorRig rig ([] (EditorRig& r) { r.processor.uiHeight = 400; });
-    EXPECT_EQ (rig.editor->getWidth(), 355);
-
+    EditorRig rig (400);
     rig.editor->setTopLeftPosition (30, 40);
     rig.toggle ("sizeButton", true);
     EXPECT_EQ (rig.editor->getBounds(), Rectangle<int> (30, 40, 711, 400));
     EXPECT_EQ (rig.control ("mainWheelSlider").getX(), 64); // laid out anew: 91.5 * 711 / 1024
+    EXPECT_NEAR (rig.editor->getConstrainer()->getFixedAspectRatio(), 1.77778, 1.0e-6);
 
     rig.toggle ("sizeButton", false);
     EXPECT_EQ (rig.editor->getBounds(), Rectangle<int> (30, 40, 355, 400));
+    EXPECT_NEAR (rig.editor->getConstrainer()->getFixedAspectRatio(), 0.88889, 1.0e-6);
     EXPECT_EQ (rig.processor.uiHeight, 400);
 }
 
-// The limits in force when a user drags the corner.
-TEST (Resizing, KeepsTheModesProportionsWithinTheLimits)
+TEST (Resizing, HasLimitsAndIsRecordedForTheNextWindow)
 {
     EditorRig rig;
-    auto& limits = *rig.editor->getConstrainer();
+    const auto& limits = *rig.editor->getConstrainer();
     EXPECT_TRUE (rig.editor->isResizable());
     EXPECT_EQ (limits.getMinimumHeight(), 258);
     EXPECT_EQ (limits.getMinimumWidth(), 1);
     EXPECT_EQ (limits.getMaximumWidth(), 1024);
     EXPECT_EQ (limits.getMaximumHeight(), 576);
-    EXPECT_NEAR (limits.getFixedAspectRatio(), 0.88889, 1.0e-6);
 
-    rig.toggle ("sizeButton", true);
-    EXPECT_NEAR (limits.getFixedAspectRatio(), 1.77778, 1.0e-6);
-}
-
-TEST (Resizing, IsRecordedForTheNextWindow)
-{
-    EditorRig rig;
     rig.editor->setSize (355, 400);
     EXPECT_EQ (rig.processor.uiHeight, 400);
-
     rig.open();
     EXPECT_EQ (rig.editor->getHeight(), 400);
 }
@@ -174,29 +119,22 @@ TEST (Layout, StacksTheControls)
     juce::StringArray ids;
 
     for (auto* child : rig.editor->getChildren())
-        if (dynamic_cast<juce::ResizableCornerComponent*> (child) == nullptr)
-            ids.add (child->getComponentID());
+        ids.add (child->getComponentID());
 
-    EXPECT_EQ (ids.joinIntoString (" "),
+    EXPECT_EQ (ids.joinIntoString (" ").trimEnd(),
                "pitchDial timbreDial pitchScaleSlider timbreScaleSlider mainWheelSlider pitchGravitySlider "
                "pitchInertiaSlider pitchSmoothSlider mixerSlider pitchRangeBox pitchSnapButton midiModeButton "
                "sizeButton keyboard timbreWheelSlider timbreGravitySlider timbreInertiaSlider timbreSmoothSlider "
-               "timbreRangeBox timbreSnapButton ");
+               "timbreRangeBox timbreSnapButton");
 }
 
-// The dial's ring must not take the clicks that are meant for the wheel around it, nor a scale those of the panel.
-TEST (Layout, DisplaysLeaveTheMouseToTheControls)
+// A dial that takes the clicks meant for the wheel over it, or a ring those of the panel.
+TEST (Layout, LeavesTheMouseToTheControls)
 {
-    EditorRig rig;
-
-    for (const auto* id : { "pitchDial", "timbreDial", "pitchScaleSlider", "timbreScaleSlider", "keyboard" })
-    {
-        const auto& display = rig.control (id);
-        EXPECT_NE (rig.editor->getComponentAt (display.getBounds().getCentre()), &display) << id;
-    }
-
-    EXPECT_EQ (rig.editor->getComponentAt (rig.control ("pitchDial").getBounds().getCentre()),
-               &rig.control ("mainWheelSlider"));
+    EditorRig rig (576, true);
+    EXPECT_EQ (rig.editor->getComponentAt (256, 230), &rig.control ("mainWheelSlider"));
+    EXPECT_EQ (rig.editor->getComponentAt (256, 30), rig.editor.get()) << "the scale";
+    EXPECT_EQ (rig.editor->getComponentAt (200, 540), rig.editor.get()) << "the keyboard";
 }
 } // namespace
 } // namespace tarvelline::test

@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include <initializer_list>
-#include <utility>
+#include <memory>
+#include <vector>
 
 namespace tarvelline::test
 {
@@ -30,33 +30,90 @@ struct Outcome
 class RenderTest : public testing::Test
 {
 protected:
-    RenderTest() { folder.createDirectory(); }
+    RenderTest()
+    {
+        folder.createDirectory();
+        formats.registerBasicFormats();
+    }
     ~RenderTest() override { folder.deleteRecursively(); }
 
     juce::File file (const juce::String& name) const { return folder.getChildFile (name); }
 
-    /** Writes a 32-bit float WAV file, or an AIFF file of 24 bits when the name ends in .aiff. */
-    void write (const juce::String& name, const Recording&) const;
-    Recording read (const juce::String& name) const;
+    /** Writes a sound file of the kind that the name ends in, with the most bits it takes: 32 in .wav, 24 in .aiff. */
+    void write (const juce::String& name, const Recording& recording)
+    {
+        file (name).deleteFile();
+        auto& format = *formats.findFormatForFileExtension (file (name).getFileExtension());
+        const std::unique_ptr<juce::AudioFormatWriter> writer (format.createWriterFor (
+            new juce::FileOutputStream (file (name)), recording.rate,
+            static_cast<unsigned int> (recording.channels.size()), format.getPossibleBitDepths().getLast(), {}, 0));
+        std::vector<const float*> data;
 
-    /** Writes a standard MIDI file: messages at ticks, 480 a beat, and the tempo in seconds a beat from tick 0 and from a
-        later one on. */
-    void writeMidi (const juce::String& name, std::initializer_list<std::pair<int, juce::MidiMessage>>,
-                    double secondsPerBeat = 0.5, int laterTick = 0, double laterSecondsPerBeat = 0.5) const;
+        for (auto& channel : recording.channels)
+            data.push_back (channel.data());
 
-    /** Runs the program in the folder; arguments are parted by spaces. */
-    Outcome run (const juce::String& arguments) const;
+        ASSERT_NE (writer, nullptr);
+        ASSERT_TRUE (writer->writeFromFloatArrays (data.data(), static_cast<int> (data.size()),
+                                                   static_cast<int> (recording.channels[0].size())));
+    }
 
-    /** Runs it on in.wav, expects success, and gives the first channel of what it made. */
-    Samples render (const juce::String& options) const;
+    Recording read (const juce::String& name)
+    {
+        const std::unique_ptr<juce::AudioFormatReader> reader (formats.createReaderFor (file (name)));
 
-    /** The names of the files in the folder, sorted. */
-    juce::StringArray filesThere() const;
+        if (reader == nullptr)
+            return { 0.0, { {} } };
+
+        const Samples empty (static_cast<std::size_t> (reader->lengthInSamples));
+        Recording recording { reader->sampleRate, { reader->numChannels, empty } };
+        std::vector<float*> data;
+
+        for (auto& channel : recording.channels)
+            data.push_back (channel.data());
+
+        reader->read (data.data(), static_cast<int> (data.size()), 0, static_cast<int> (empty.size()));
+        return recording;
+    }
 
     /** Runs a command of the shell in the folder, with the program as $RENDER. */
-    Outcome shell (const juce::String& command) const;
+    Outcome shell (const juce::String& command) const
+    {
+        juce::ChildProcess child;
+        const auto script = "cd '" + folder.getFullPathName() + "' || exit; RENDER='" TARVELLINE_RENDER "'; " + command;
+
+        if (! child.start (juce::StringArray { "/bin/sh", "-c", script }))
+            return {};
+
+        const auto text = child.readAllProcessOutput();
+        child.waitForProcessToFinish (-1);
+        return { static_cast<int> (child.getExitCode()), text };
+    }
+
+    /** Runs the program in the folder; arguments are parted by spaces. */
+    Outcome run (const juce::String& arguments) const { return shell ("exec \"$RENDER\" " + arguments); }
+
+    /** Runs it on in.wav, expects success, and gives the first channel of what it made. */
+    Samples render (const juce::String& options)
+    {
+        const auto outcome = run ("in.wav out.wav " + options);
+        EXPECT_EQ (outcome.exitCode, 0) << outcome.text;
+        return read ("out.wav").channels[0];
+    }
+
+    /** The names of the files in the folder, sorted. */
+    juce::StringArray filesThere() const
+    {
+        juce::StringArray names;
+
+        for (const auto& found : folder.findChildFiles (juce::File::findFilesAndDirectories, true))
+            names.add (found.getRelativePathFrom (folder));
+
+        names.sort (false);
+        return names;
+    }
 
 private:
+    juce::AudioFormatManager formats;
     const juce::File folder = juce::File::getSpecialLocation (juce::File::tempDirectory)
                                   .getNonexistentChildFile ("tarvelline render " + juce::Uuid().toString(), {});
 };

@@ -41,11 +41,6 @@ bool isOrange (juce::Colour colour)
            && colour.getBlue() < 90;
 }
 
-bool isWhite (juce::Colour colour)
-{
-    return isInk (colour) && std::min ({ colour.getRed(), colour.getGreen(), colour.getBlue() }) > 220;
-}
-
 juce::Image pictureOf (juce::Component& component)
 {
     return component.createComponentSnapshot (component.getLocalBounds(), true, 1.0f);

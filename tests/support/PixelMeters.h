@@ -13,7 +13,6 @@ using PixelTest = std::function<bool (juce::Colour)>;
 
 bool isInk (juce::Colour);    // more opaque than not
 bool isOrange (juce::Colour); // the accent: of the puck's bar, the dial's mark and the lit keys
-bool isWhite (juce::Colour);
 
 /** What a component and its children paint, one pixel a unit; transparent where they paint nothing. */
 juce::Image pictureOf (juce::Component&);

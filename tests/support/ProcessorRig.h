@@ -9,17 +9,45 @@
 
 namespace tarvelline::test
 {
-/** What three semitones up (and, negated, down) sound like at 44.1 kHz. The engine works in hops of whole samples, so its
-    shifts are ratios of such: 256 samples in for 215 out, where 300 cents would need 215.27. */
+/** What three semitones up sound like at 44.1 kHz. The engine works in hops of whole samples, so its shifts are ratios of
+    such: 256 samples in for 215 out, where 300 cents would need 215.27. */
 inline const double upThreeCents = 1200.0 * std::log2 (256.0 / 215.0);
+
+/** Plays a signal through all channels of a processor, or of a module in a host, in blocks; the MIDI goes to the first.
+    @returns what the first channel gave */
+inline Samples playThrough (juce::AudioProcessor& processor, juce::MidiBuffer& midi, const Samples& input,
+                            int blockSize = 512, bool bypassed = false)
+{
+    Samples output (input.size());
+    const auto length = static_cast<int> (input.size());
+    juce::AudioBuffer<float> block (processor.getTotalNumInputChannels(), blockSize);
+
+    for (int start = 0; start < length; start += blockSize)
+    {
+        const auto size = std::min (blockSize, length - start);
+        block.setSize (block.getNumChannels(), size, false, false, true);
+
+        for (int c = 0; c < block.getNumChannels(); ++c)
+            block.copyFrom (c, 0, input.data() + start, size);
+
+        if (bypassed)
+            processor.processBlockBypassed (block, midi);
+        else
+            processor.processBlock (block, midi);
+
+        midi.clear();
+        std::copy_n (block.getReadPointer (0), size, output.begin() + start);
+    }
+
+    return output;
+}
 
 /** A processor and what a host does with it. */
 struct ProcessorRig
 {
-    explicit ProcessorRig (double sampleRate = 44100.0, int channelCount = 2)
-        : rate (sampleRate), channels (channelCount)
+    explicit ProcessorRig (double sampleRate = 44100.0, int channels = 2) : rate (sampleRate)
     {
-        const auto set = juce::AudioChannelSet::canonicalChannelSet (channelCount);
+        const auto set = juce::AudioChannelSet::canonicalChannelSet (channels);
         processor.setBusesLayout ({ { set }, { set } });
     }
 
@@ -36,41 +64,20 @@ struct ProcessorRig
     void prepare() { processor.prepareToPlay (rate, 512); }
 
     /** Puts an event into the MIDI buffer of the next block. */
-    void send (std::initializer_list<juce::uint8> bytes, int position = 0)
+    void send (std::initializer_list<juce::uint8> bytes)
     {
-        midi.addEvent (std::data (bytes), static_cast<int> (bytes.size()), position);
+        midi.addEvent (std::data (bytes), static_cast<int> (bytes.size()), 0);
     }
 
-    /** Plays the signal through all channels in blocks, and returns what the first channel gave. */
     Samples play (const Samples& input, int blockSize = 512, bool bypassed = false)
     {
-        Samples output (input.size());
-        const auto length = static_cast<int> (input.size());
-        juce::AudioBuffer<float> block (channels, blockSize);
-
-        for (int start = 0; start < length; start += blockSize)
-        {
-            const auto size = std::min (blockSize, length - start);
-            block.setSize (channels, size, false, false, true);
-
-            for (int c = 0; c < channels; ++c)
-                block.copyFrom (c, 0, input.data() + start, size);
-
-            if (bypassed)
-                processor.processBlockBypassed (block, midi);
-            else
-                processor.processBlock (block, midi);
-
-            std::copy_n (block.getReadPointer (0), size, output.begin() + start);
-        }
-
-        return output;
+        return playThrough (processor, midi, input, blockSize, bypassed);
     }
 
     /** A block of silence, possibly of no samples at all. */
     void playBlock (int size)
     {
-        juce::AudioBuffer<float> block (channels, size);
+        juce::AudioBuffer<float> block (processor.getTotalNumInputChannels(), size);
         block.clear();
         processor.processBlock (block, midi);
     }
@@ -78,10 +85,9 @@ struct ProcessorRig
     TarvellineAudioProcessor processor;
     juce::MidiBuffer midi;
     double rate;
-    int channels;
 };
 
-/** Counts what a host is told. */
+/** Keeps what a host is told. */
 struct HostEar : juce::AudioProcessorListener
 {
     explicit HostEar (juce::AudioProcessor& p) : processor (p) { processor.addListener (this); }
@@ -91,13 +97,9 @@ struct HostEar : juce::AudioProcessorListener
     {
         changedParameters.push_back (index);
     }
-    void audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails& details) override
-    {
-        latencyChanges += details.latencyChanged ? 1 : 0;
-    }
+    void audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails&) override {}
 
     juce::AudioProcessor& processor;
     std::vector<int> changedParameters;
-    int latencyChanges = 0;
 };
 } // namespace tarvelline::test

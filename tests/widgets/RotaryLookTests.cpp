@@ -8,8 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 namespace tarvelline::test
 {
 namespace
@@ -21,24 +19,29 @@ constexpr auto startAngle = 1.2f * pi, sweep = 1.6f * pi; // the framework's rot
 template <typename Look>
 struct Rotary
 {
-    Rotary (int width, int height, double value)
+    Rotary (int width, int height, float value)
     {
         slider.setSliderStyle (juce::Slider::RotaryHorizontalVerticalDrag);
         slider.setTextBoxStyle (juce::Slider::NoTextBox, false, 0, 0);
         slider.setRange (0.0, 1.0);
-        slider.setValue (value);
+        slider.setValue (static_cast<double> (value));
         slider.setLookAndFeel (&look);
         slider.setSize (width, height);
     }
 
     ~Rotary() { slider.setLookAndFeel (nullptr); }
 
-    juce::Image picture() { return pictureOf (slider); }
     juce::Point<float> centre() const { return slider.getLocalBounds().toFloat().getCentre(); }
-
     Polar centreOf (const PixelTest& passes)
     {
-        return polarFrom (centre(), test::centreOf (picture(), slider.getLocalBounds(), passes));
+        return polarFrom (centre(), test::centreOf (pictureOf (slider), slider.getLocalBounds(), passes));
+    }
+
+    /** Lit runs at a radius, in shares of the width. */
+    std::vector<float> runsAt (float radius, float from, float length)
+    {
+        const auto pixels = radius * static_cast<float> (slider.getWidth());
+        return litRuns (pictureOf (slider), centre(), pixels, from, length, isInk);
     }
 
     Look look;
@@ -56,70 +59,49 @@ INSTANTIATE_TEST_SUITE_P (Table, AtValue, testing::Values (0.0f, 0.2f, 0.5f, 0.7
 // A puck that turns the wrong way, stays upright on its way round, or leaves the circle.
 TEST_P (AtValue, PuckIsOnItsCircleAndPointsOutward)
 {
-    Rotary<MainRotaryDraw> wheel (356, 356, static_cast<double> (GetParam()));
-    const auto body = wheel.centreOf (isInk);
-    const auto bar = wheel.centreOf (isOrange);
-
+    Rotary<MainRotaryDraw> wheel (356, 356, GetParam());
+    const auto body = wheel.centreOf (isInk), bar = wheel.centreOf (isOrange);
     EXPECT_NEAR (angleBetween (body.angle, angle()), 0.0f, 0.01f);
-    EXPECT_NEAR (body.radius, 0.416f * 356.0f, 3.0f); // the drop is heavier at its round end: 1.9 pixels inward
+    EXPECT_NEAR (body.radius, 0.416f * 356.0f, 3.0f); // the drop is heavier at its round end
     EXPECT_NEAR (angleBetween (bar.angle, angle()), 0.0f, 0.02f);
     EXPECT_GT (bar.radius, body.radius + 5.0f);
 }
 
-struct PuckCase
+// The picture scaled with the height, or its path with the width.
+TEST (PuckSize, FollowsTheWidthAndItsPathTheSmallerSide)
 {
-    int width, height;
-    float radius, scale; // of the path in pixels, of the picture
-};
-
-class PuckSize : public testing::TestWithParam<PuckCase>
-{
-};
-
-// The picture scaled with the height, or the path with the width.
-TEST_P (PuckSize, PictureFollowsTheWidthAndPathTheSmallerSide)
-{
-    const auto [width, height, radius, scale] = GetParam();
-    constexpr auto right = 0.5 + 0.5 / 1.6; // a quarter turn from the top: there is room in a flat slider
-    Rotary<MainRotaryDraw> wheel (width, height, right);
-    const auto bounds = boundsOf (wheel.picture(), [] (juce::Colour c) { return c.getAlpha() > 8; }).toFloat();
-
+    constexpr auto right = 0.5f + 0.5f / 1.6f; // a quarter turn from the top: there is room in a flat slider
     Rotary<MainRotaryDraw> natural (356, 356, right);
-    const auto naturalBounds = boundsOf (natural.picture(), [] (juce::Colour c) { return c.getAlpha() > 8; }).toFloat();
+    const auto whole = boundsOf (pictureOf (natural.slider), isInk);
 
-    EXPECT_NEAR (bounds.getWidth(), naturalBounds.getWidth() * scale, 2.0f);
-    EXPECT_NEAR (bounds.getHeight(), naturalBounds.getHeight() * scale, 2.0f);
-    EXPECT_NEAR (wheel.centreOf (isInk).radius, radius, 3.0f * scale);
+    for (const auto& [width, height, radius] : { std::tuple { 178, 178, 74.0f }, std::tuple { 712, 712, 296.2f },
+                                                 std::tuple { 356, 178, 74.0f }, std::tuple { 178, 356, 74.0f } })
+    {
+        Rotary<MainRotaryDraw> wheel (width, height, right);
+        const auto scale = static_cast<float> (width) / 356.0f;
+        const auto bounds = boundsOf (pictureOf (wheel.slider), isInk);
+        EXPECT_NEAR (bounds.getWidth(), static_cast<float> (whole.getWidth()) * scale, 2.0f) << width;
+        EXPECT_NEAR (bounds.getHeight(), static_cast<float> (whole.getHeight()) * scale, 2.0f) << width;
+        EXPECT_NEAR (wheel.centreOf (isInk).radius, radius, 3.0f * scale) << width << " x " << height;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P (Table, PuckSize,
-                          testing::Values (PuckCase { 178, 178, 74.0f, 0.5f }, PuckCase { 712, 712, 296.2f, 2.0f },
-                                           PuckCase { 356, 178, 74.0f, 1.0f }, PuckCase { 178, 356, 74.0f, 0.5f }));
 
 // A bar as long as the knob, one that starts at the centre, or one that is turned by a right angle.
 TEST_P (AtValue, PointerBarLiesAlongItsAngle)
 {
-    constexpr auto size = 400;
-    Rotary<RotaryTick> knob (size, size, static_cast<double> (GetParam()));
-    knob.look.setColour (juce::Slider::thumbColourId, juce::Colours::white);
-    const auto bar = knob.centreOf (isWhite);
+    Rotary<RotaryTick> knob (400, 400, GetParam());
+    EXPECT_NEAR (angleBetween (knob.centreOf (isInk).angle, angle()), 0.0f, 0.005f);
+    EXPECT_NEAR (knob.centreOf (isInk).radius, 0.325f * 400.0f, 0.5f);
 
-    EXPECT_NEAR (angleBetween (bar.angle, angle()), 0.0f, 0.005f);
-    EXPECT_NEAR (bar.radius, 0.325f * size, 0.5f);
-
-    const auto widthAt = [&, picture = knob.picture()] (float radius)
-    { return litRuns (picture, knob.centre(), radius * size, angle() + pi, 2.0f * pi, isWhite).size(); };
-
-    EXPECT_EQ (widthAt (0.195f), 0u);
-    EXPECT_EQ (widthAt (0.205f), 1u);
-    EXPECT_EQ (widthAt (0.445f), 1u);
-    EXPECT_EQ (widthAt (0.455f), 0u);
+    for (const auto& [radius, runs] :
+         { std::pair { 0.195f, 0u }, std::pair { 0.205f, 1u }, std::pair { 0.445f, 1u }, std::pair { 0.455f, 0u } })
+        EXPECT_EQ (knob.runsAt (radius, angle() + pi, 2.0f * pi).size(), runs) << radius;
 }
 
 TEST (PointerBar, IsATwentiethOfTheKnobThick)
 {
-    Rotary<RotaryTick> knob (400, 400, 0.5);
-    EXPECT_EQ (boundsOf (knob.picture(), isInk), juce::Rectangle<int> (190, 20, 20, 100));
+    Rotary<RotaryTick> knob (400, 400, 0.5f);
+    EXPECT_EQ (boundsOf (pictureOf (knob.slider), isInk), juce::Rectangle<int> (190, 20, 20, 100));
 }
 
 struct ScaleCase
@@ -143,12 +125,9 @@ protected:
         scale.look.setColour (juce::Slider::textBoxHighlightColourId, juce::Colours::white);
     }
 
-    std::vector<float> runsAt (float radius)
-    {
-        return litRuns (scale.picture(), scale.centre(), radius * size, startAngle - 0.1f, sweep + 0.2f, isInk);
-    }
+    std::vector<float> runsAt (float radius) { return scale.runsAt (radius, startAngle - 0.1f, sweep + 0.2f); }
 
-    Rotary<RotaryDisplayTick> scale { size, size, 0.3 };
+    Rotary<RotaryDisplayTick> scale { size, size, 0.3f };
 };
 
 // The last tick lost to rounding, a long tick off its step, or lengths mixed up.
@@ -156,14 +135,14 @@ TEST_P (Scale, HasFiveTicksAStepAndEveryFifthIsLong)
 {
     scale.look.setColour (juce::Slider::textBoxHighlightColourId, juce::Colours::transparentBlack);
     const auto [steps, ticks, longTicks, numbers] = GetParam();
+    const auto middles = runsAt (0.43f), longMiddles = runsAt (0.40f);
 
     EXPECT_EQ (runsAt (0.39f).size(), 0u);
-    EXPECT_EQ (runsAt (0.40f).size(), longTicks);
-    EXPECT_EQ (runsAt (0.43f).size(), ticks);
+    ASSERT_EQ (longMiddles.size(), longTicks);
+    ASSERT_EQ (middles.size(), ticks);
     EXPECT_EQ (runsAt (0.4625f).size(), ticks - longTicks); // the short ones reach a little further out
     EXPECT_EQ (runsAt (0.47f).size(), 0u);
 
-    const auto middles = runsAt (0.43f), longMiddles = runsAt (0.40f);
     for (size_t i = 0; i < middles.size(); ++i)
         ASSERT_NEAR (middles[i], startAngle + sweep * static_cast<float> (i) / static_cast<float> (ticks - 1), 0.002f);
 
@@ -171,23 +150,20 @@ TEST_P (Scale, HasFiveTicksAStepAndEveryFifthIsLong)
         ASSERT_NEAR (longMiddles[i], middles[i * 5], 0.002f);
 }
 
-// "+0", "-12.0", "+0.5", a crowded scale with every number on it, or one that begins with the second number.
-TEST_P (Scale, NumbersItsSteps) { EXPECT_EQ (wordsOf (scale.slider), GetParam().numbers); }
-
-// Numbers off their ticks or of another size; the plus sign must not push the digits aside.
-TEST_P (Scale, NumbersStandOnTheirTicks)
+// "+0", "-12.0", "+0.5", every number on a crowded scale, or every second one from the second on. Off the ticks; a plus
+// sign that pushes the digits aside.
+TEST_P (Scale, NumbersItsSteps)
 {
-    const auto first = static_cast<float> (GetParam().steps) / -2.0f;
+    EXPECT_EQ (wordsOf (scale.slider), GetParam().numbers);
 
     for (const auto& text : textsOf (scale.slider))
     {
         const auto value = text.text.getFloatValue();
-        const auto angle = startAngle + sweep * (value - first) / static_cast<float> (GetParam().steps);
+        const auto angle = 2.0f * pi + sweep * value / static_cast<float> (GetParam().steps);
         const auto tick = scale.centre().getPointOnCircumference (0.46f * size, angle);
-        const auto shift = value >= 1.0f ? 0.01f * size : 0.0f;
 
-        EXPECT_NEAR ((text.left + text.right) / 2.0f, tick.x - shift, 1.0f) << text.text;
-        EXPECT_NEAR (text.baseline, tick.y + 0.35f * text.height, 0.12f * text.height) << text.text;
+        EXPECT_NEAR ((text.left + text.right) / 2.0f, tick.x - (value >= 1.0f ? 0.01f * size : 0.0f), 1.0f) << value;
+        EXPECT_NEAR (text.baseline, tick.y + 0.35f * text.height, 0.12f * text.height) << value;
         EXPECT_NEAR (text.height, 0.0425f * size, 0.01f);
         EXPECT_EQ (text.colour, juce::Colours::white);
     }
@@ -207,7 +183,6 @@ INSTANTIATE_TEST_SUITE_P (Table, Scale,
                           testing::Values (ScaleCase { 2, 11, 3, { "-1", "0", "+1" } },
                                            ScaleCase { 5, 26, 6, { "-2.5", "-1.5", "-0.5", "0.5", "+1.5", "+2.5" } },
                                            ScaleCase { 24, 121, 25, integers (12, 1) },
-                                           ScaleCase { 48, 241, 49, integers (24, 2) }),
-                          [] (const auto& scale) { return "Steps" + std::to_string (scale.param.steps); });
+                                           ScaleCase { 48, 241, 49, integers (24, 2) }));
 } // namespace
 } // namespace tarvelline::test

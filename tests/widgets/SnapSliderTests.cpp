@@ -7,37 +7,28 @@ namespace tarvelline::test
 {
 namespace
 {
-struct SnapCase
+// Rounding to the nearest step instead of leaning to the centre, a grid that starts at 0 and so misses the centre, or
+// Shift that does not free the drag.
+TEST (Snap, LeansToTheCentreUnlessShiftIsHeld)
 {
-    double snapTo, attempted, snapped;
-};
+    struct Case
+    {
+        double snapTo, attempted, snapped;
+    };
+    constexpr Case cases[] = { { 4.0, 0.80, 0.75 }, { 4.0, 0.70, 0.5 }, { 4.0, 0.30, 0.5 },
+                               { 4.0, 0.20, 0.25 }, { 4.0, 1.0, 1.0 },  { 48.0, 0.999, 0.5 + 23.0 / 48.0 },
+                               { 5.0, 0.01, 0.1 },  { 0.0, 0.37, 0.37 } };
 
-class Snap : public testing::TestWithParam<SnapCase>
-{
-protected:
-    void TearDown() override { juce::ModifierKeys::currentModifiers = {}; }
-
-    double snapped()
+    for (const auto& [snapTo, attempted, snapped] : cases)
     {
         SnapSlider slider;
-        slider.snapTo = GetParam().snapTo;
-        return slider.snapValue (GetParam().attempted, juce::Slider::absoluteDrag);
+        slider.snapTo = snapTo;
+        EXPECT_NEAR (slider.snapValue (attempted, juce::Slider::absoluteDrag), snapped, 1.0e-12);
+
+        juce::ModifierKeys::currentModifiers = juce::ModifierKeys (juce::ModifierKeys::shiftModifier);
+        EXPECT_EQ (slider.snapValue (attempted, juce::Slider::absoluteDrag), attempted);
+        juce::ModifierKeys::currentModifiers = {};
     }
-};
-
-// Rounding to the nearest step instead of leaning to the centre, or a grid that starts at 0 and so misses the centre.
-TEST_P (Snap, LeansToTheCentre) { EXPECT_NEAR (snapped(), GetParam().snapped, 1.0e-12); }
-
-TEST_P (Snap, ShiftMovesFreely)
-{
-    juce::ModifierKeys::currentModifiers = juce::ModifierKeys (juce::ModifierKeys::shiftModifier);
-    EXPECT_EQ (snapped(), GetParam().attempted);
 }
-
-INSTANTIATE_TEST_SUITE_P (Table, Snap,
-                          testing::Values (SnapCase { 4.0, 0.80, 0.75 }, SnapCase { 4.0, 0.70, 0.5 },
-                                           SnapCase { 4.0, 0.30, 0.5 }, SnapCase { 4.0, 0.20, 0.25 },
-                                           SnapCase { 4.0, 1.0, 1.0 }, SnapCase { 48.0, 0.999, 0.5 + 23.0 / 48.0 },
-                                           SnapCase { 5.0, 0.01, 0.1 }, SnapCase { 0.0, 0.37, 0.37 }));
 } // namespace
 } // namespace tarvelline::test

@@ -8,11 +8,9 @@
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
-#include <gtest/gtest.h>
-
+#include <map>
 #include <stdexcept>
-#include <string_view>
-#include <thread>
+#include <string>
 
 namespace tarvelline::test
 {
@@ -20,7 +18,10 @@ namespace tarvelline::test
 class HostWindow
 {
 public:
-    HostWindow()
+    using Settings = std::map<std::string, float>; // parameters, normalised
+
+    /** Loads the module and puts it to rest with the settings, as a host does that restores a session. */
+    explicit HostWindow (const Settings& settings = {})
     {
         juce::VST3PluginFormat format;
         juce::OwnedArray<juce::PluginDescription> found;
@@ -28,13 +29,13 @@ public:
         format.findAllTypesForFile (found, TARVELLINE_MODULE);
 
         if (found.size() == 1)
-            module = format.createInstanceFromDescription (*found[0], 44100.0, blockSize, error);
+            module = format.createInstanceFromDescription (*found[0], rate, blockSize, error);
 
         if (module == nullptr)
             throw std::runtime_error ("cannot load " TARVELLINE_MODULE ": " + error.toStdString());
 
-        module->prepareToPlay (44100.0, blockSize);
-        screen->moveMouse (1270, 790); // out of the way: a button under the mouse looks different
+        moveMouseAway();
+        apply (settings);
     }
 
     ~HostWindow()
@@ -43,24 +44,39 @@ public:
         module->releaseResources();
     }
 
-    juce::AudioProcessorParameter& parameter (const char* id)
+    void apply (const Settings& settings)
     {
-        for (size_t i = 0; i < parameterTable.size(); ++i)
-            if (std::string_view (parameterTable[i].id) == id)
-                return *module->getParameters()[static_cast<int> (i)];
+        module->prepareToPlay (rate, blockSize);
 
-        throw std::runtime_error (std::string ("no such parameter: ") + id);
+        for (const auto& [id, value] : settings)
+            parameter (id).setValue (value);
+
+        playBlock(); // hands them over
+        module->releaseResources();
+        module->prepareToPlay (rate, blockSize);
+        run (100);
     }
 
-    /** Opens the editor at (x, y) of the screen. The first pixels are on the screen when this returns. */
-    void open()
+    juce::AudioProcessorParameter& parameter (const std::string& id)
+    {
+        for (size_t i = 0; i < parameterTable.size(); ++i)
+            if (parameterTable[i].id == id)
+                return *module->getParameters()[static_cast<int> (i)];
+
+        throw std::runtime_error ("no such parameter: " + id);
+    }
+
+    /** Opens the editor, and lets it come to rest on the screen. */
+    void open (int settleMilliseconds = 200)
     {
         editor.reset (module->createEditorIfNeeded());
+        openedSize = editor->getBounds();
         frame.setOpaque (true);
         frame.addAndMakeVisible (*editor);
         frame.setBounds (x, y, editor->getWidth(), editor->getHeight());
         frame.addToDesktop (0);
         frame.setVisible (true);
+        run (settleMilliseconds);
     }
 
     void close()
@@ -69,11 +85,11 @@ public:
         frame.removeFromDesktop();
     }
 
-    /** Lets time pass: messages and audio in turn, so that both get their share. */
+    /** Lets time pass: messages and audio in turn. At most five seconds. */
     void run (int milliseconds)
     {
-        const auto end = juce::Time::getMillisecondCounter() + static_cast<juce::uint32> (milliseconds);
         auto nextBlock = juce::Time::getMillisecondCounter();
+        const auto end = nextBlock + static_cast<juce::uint32> (milliseconds);
 
         pumpMessagesUntil (
             [&]
@@ -99,13 +115,12 @@ public:
     /** What is on the screen where the editor is. */
     juce::Image picture()
     {
-        const auto width = editor->getWidth(), height = editor->getHeight();
-        const auto pixels = screen->capture ({ x, y, width, height });
-        juce::Image image (juce::Image::ARGB, width, height, false);
+        juce::Image image (juce::Image::ARGB, editor->getWidth(), editor->getHeight(), false);
+        const auto pixels = screen->capture ({ x, y, image.getWidth(), image.getHeight() });
 
-        for (auto py = 0; py < height; ++py)
-            for (auto px = 0; px < width; ++px)
-                image.setPixelAt (px, py, juce::Colour (pixels[static_cast<size_t> (py * width + px)]));
+        for (auto i = 0; i < image.getWidth() * image.getHeight(); ++i)
+            image.setPixelAt (i % image.getWidth(), i / image.getWidth(),
+                              juce::Colour (pixels[static_cast<size_t> (i)]));
 
         return image;
     }
@@ -116,36 +131,31 @@ public:
         run (15);
     }
 
-    void pressMouse (bool down)
-    {
-        screen->pressMouse (down);
-        run (40);
-    }
-
-    void click (juce::Point<int> at)
-    {
-        moveMouse (at);
-        pressMouse (true);
-        pressMouse (false);
-    }
+    void moveMouseAway() { screen->moveMouse (1270, 790); } // a button under the mouse may look different
 
     void drag (juce::Point<int> from, juce::Point<int> to)
     {
         moveMouse (from);
-        pressMouse (true);
+        screen->pressMouse (true);
+        run (40);
 
         for (auto step = 1; step <= 8; ++step)
             moveMouse (from + (to - from) * step / 8);
 
-        pressMouse (false);
+        screen->pressMouse (false);
+        run (100);
     }
 
-    static constexpr int x = 60, y = 50, blockSize = 512;
+    void click (juce::Point<int> at) { drag (at, at); }
+
+    static constexpr int x = 60, y = 50, blockSize = 512; // the editor's place on the screen; samples
+    static constexpr double rate = 44100.0;
     static inline VirtualScreen* screen = nullptr;
 
     std::unique_ptr<juce::AudioPluginInstance> module;
     std::unique_ptr<juce::AudioProcessorEditor> editor;
-    juce::MidiBuffer midi;
+    juce::Rectangle<int> openedSize; // of the editor before any message was delivered to it
+    juce::MidiBuffer midi;           // for the next block
     bool audioRuns = true;
 
 private:

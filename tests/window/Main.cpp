@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/window/HostWindow.h"
 
+#include <gtest/gtest.h>
+
 namespace tarvelline::test
 {
 namespace
