@@ -37,18 +37,19 @@ void PitchShiftEngine::prepare (int frameLength, float frequencyScale, float sam
     tables = EngineTables (frameSize, frequencyScale, sampleRate);
 
     const auto n = static_cast<std::size_t> (frameSize), k = n / 2;
-    ratioHistory.resize (n);
+    ratioHistory.resize (2 * n);
     lockCount.resize (k);
-    previousSum.resize (k);
-    sumScratch.resize (k + 1);
+    magnitudeSum.resize (k);
+    wideOverSpan.resize (n);
+    narrowOverSpan.resize (n);
 
     for (auto& channel : channelState)
     {
-        channel.inRing.resize (n);
+        channel.inRing.resize (2 * n);
         channel.outRing.resize (2 * n);
 
         for (auto* frame : { &channel.lowFrame, &channel.highFrame })
-            frame->resize (n + 1);
+            frame->resize (n + 2);
 
         for (auto* perBin : { &channel.magnitude, &channel.shapedMagnitude })
             perBin->resize (k);
@@ -69,6 +70,7 @@ void PitchShiftEngine::prepare (int frameLength, float frequencyScale, float sam
     synthesisHop = scaledLength (synthesisSpan, hopShare);
     overlapLength = frameSize - analysisHop;
     activeBins = binCount;
+    resampleWindows();
     ready = true;
 }
 
@@ -77,9 +79,9 @@ void PitchShiftEngine::reset() noexcept
     const auto clear = [] (auto& buffer) { std::fill (buffer.begin(), buffer.end(), 0.0f); };
 
     std::fill (ratioHistory.begin(), ratioHistory.end(), requestedRatio);
-    std::fill (lockCount.begin(), lockCount.end(), std::uint8_t { 0 });
-    clear (previousSum);
-    clear (sumScratch);
+    unityRun = requestedRatio == 1.0f ? frameSize : 0;
+    clear (lockCount);
+    clear (magnitudeSum);
 
     for (auto& channel : channelState)
         for (auto* buffer : { &channel.inRing, &channel.outRing, &channel.lowFrame, &channel.highFrame,
@@ -100,12 +102,15 @@ void PitchShiftEngine::processFrame (const float* in, float* out, int channels) 
 {
     assert (ready && channels >= 1 && channels <= maxChannels);
     channelCount = channels;
-    ratioHistory[static_cast<std::size_t> (inPos)] = requestedRatio;
+    const auto keep = [at = static_cast<std::size_t> (inPos), n = static_cast<std::size_t> (frameSize)] (auto& ring, float value)
+    { ring[at] = ring[at + n] = value; };
+    keep (ratioHistory, requestedRatio);
+    unityRun = requestedRatio == 1.0f ? std::min (unityRun + 1, frameSize) : 0;
 
     for (int c = 0; c < channelCount; ++c)
     {
         auto& channel = channelState[static_cast<std::size_t> (c)];
-        channel.inRing[static_cast<std::size_t> (inPos)] = signalOrSilence (in[c]);
+        keep (channel.inRing, signalOrSilence (in[c]));
         out[c] = channel.outRing[static_cast<std::size_t> ((outPos - frameSize) & outRingMask)];
     }
 
@@ -140,6 +145,7 @@ void PitchShiftEngine::updateRatio() noexcept
         compressSynthesis (appliedRatio);
 
     clearOutput (std::min (oldSpan, synthesisSpan), std::max (oldSpan, synthesisSpan));
+    resampleWindows();
 }
 
 void PitchShiftEngine::stretchAnalysis (float ratio) noexcept

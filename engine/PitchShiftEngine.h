@@ -2,11 +2,11 @@
 #pragma once
 
 #include "engine/AlignedVector.h"
+#include "engine/AnalysisKernels.h"
 #include "engine/EngineTables.h"
 #include "engine/HartleyTransform.h"
 
 #include <array>
-#include <cstdint>
 
 namespace tarvelline
 {
@@ -59,7 +59,7 @@ public:
 private:
     struct Channel
     {
-        AlignedVector<float> inRing;              // N
+        AlignedVector<float> inRing;              // 2 N: every sample twice, N apart, so that a frame is one run
         AlignedVector<float> outRing;             // 2 N
         AlignedVector<float> lowFrame, highFrame; // N + 1: transform buffers and one entry to interpolate into
         AlignedVector<float> magnitude;           // K: of the last analysis frame
@@ -76,20 +76,17 @@ private:
     // Analysis frame (PitchShiftAnalysis.cpp)
     void analyseFrame() noexcept;
     void readWindowedInput() noexcept;
-    void readStretchedInput (Channel&) const noexcept;
-    void measureMagnitudes() noexcept;
-    void detectOnsets() noexcept;
     void spreadResetsOverPeaks() noexcept;
     int resetUpwards (int bin) noexcept;
     void resetDownwards (int bin, float lowestBin) noexcept;
-    void advancePhases() noexcept;
     void warpEnvelope() noexcept;
+    kernels::AnalysisBins analysisBins() noexcept;
 
     // Synthesis frame (PitchShiftSynthesis.cpp)
     void synthesiseFrame() noexcept;
-    void runPhasors (Channel&) const noexcept;
-    void overlapAddCompressed (Channel&) const noexcept;
-    void overlapAddStretched (Channel&) const noexcept;
+    void turnPhasors (Channel&) noexcept;
+    void overlapAdd (Channel&) noexcept;
+    void resampleWindows() noexcept;
 
     int frameSize = 0;   // N
     int binCount = 0;    // K
@@ -113,13 +110,18 @@ private:
     int analysisCounter = 0, synthesisCounter = 0; // samples since the last frame
     int channelCount = maxChannels;
 
-    AlignedVector<float> ratioHistory;     // N: the ratio asked for at every input position
-    AlignedVector<std::uint8_t> lockCount; // K: frames for which a bin has stayed stable; 0 = phase reset
-    AlignedVector<float> previousSum;      // K: magnitude over channels in the last analysis frame
-    AlignedVector<float> sumScratch;       // K + 1: the current one; then the envelope
+    AlignedVector<float> ratioHistory; // 2 N, as inRing: the ratio asked for at every input position
+    int unityRun = 0;                  // samples, at most N, for which that ratio has been exactly 1
+    AlignedVector<float> lockCount;    // K: frames for which a bin has stayed stable; 0 = phase reset
+    AlignedVector<float> magnitudeSum; // K: over channels, in the last analysis frame
+
+    // The windows at each output sample of a frame whose span is not N
+    AlignedVector<float> wideOverSpan, narrowOverSpan; // N
+    int narrowStart = 0, narrowEnd = 0;                // where the narrow one is not 0
+    int windowedSpan = 0;                              // the span they are made for
 
     EngineTables tables;
-    HartleyTransform transform { 4 }; // a placeholder until prepare() knows N
+    HartleyTransform transform;
     std::array<Channel, maxChannels> channelState;
 };
 } // namespace tarvelline

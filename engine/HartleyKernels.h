@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/HartleyTables.h"
+
+namespace tarvelline
+{
+/** HartleyTransform::forward on the best instruction set of this machine. `scratch` has N floats. */
+void hartleyForward (const HartleyTables&, float* data, float* scratch) noexcept;
+
+/** HartleyTransform::inverse, likewise; `scratch` has 2 N floats. */
+void hartleyInverse (const HartleyTables&, float* data, float* scratch) noexcept;
+} // namespace tarvelline
