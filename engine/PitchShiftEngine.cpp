@@ -18,6 +18,12 @@ constexpr float maximumRatio = 96.0f;
 constexpr float minimumFormantRatio = 0.001f; // in place of a negative one
 constexpr float loudestSample = 1.0e4f;       // +80 dBFS: no signal, and its square would soon leave single precision
 
+/** Written so that a NaN, for which every comparison is false, ends at the lower bound. */
+float heldToRange (float ratio) noexcept
+{
+    return ratio >= minimumRatio ? std::min (ratio, maximumRatio) : minimumRatio;
+}
+
 int scaledLength (int length, float factor) noexcept { return static_cast<int> (static_cast<float> (length) * factor); }
 
 /** What is no sample of any signal counts as silence: an infinity would stay in the running phasors for ever. */
@@ -93,37 +99,79 @@ void PitchShiftEngine::reset() noexcept
 
 void PitchShiftEngine::setRatios (float pitchRatio, float newFormantRatio) noexcept
 {
-    // Written so that a NaN, for which every comparison is false, ends at the lower bound.
-    requestedRatio = pitchRatio >= minimumRatio ? std::min (pitchRatio, maximumRatio) : minimumRatio;
+    requestedRatio = heldToRange (pitchRatio);
     formantRatio = newFormantRatio >= 0.0f ? newFormantRatio : minimumFormantRatio;
 }
 
 void PitchShiftEngine::processFrame (const float* in, float* out, int channels) noexcept
 {
-    assert (ready && channels >= 1 && channels <= maxChannels);
-    channelCount = channels;
-    const auto keep = [at = static_cast<std::size_t> (inPos), n = static_cast<std::size_t> (frameSize)] (auto& ring, float value)
-    { ring[at] = ring[at + n] = value; };
-    keep (ratioHistory, requestedRatio);
-    unityRun = requestedRatio == 1.0f ? std::min (unityRun + 1, frameSize) : 0;
+    const float* const inputs[] = { in, in + channels - 1 };
+    float* const outputs[] = { out, out + channels - 1 };
+    process ({ &requestedRatio, &formantRatio, inputs, outputs, channels, 1 });
+}
+
+void PitchShiftEngine::process (const EngineRun& run) noexcept
+{
+    assert (ready && run.channels >= 1 && run.channels <= maxChannels);
+    channelCount = run.channels;
+
+    for (int done = 0; done < run.count;)
+    {
+        const auto count = std::min (samplesToBoundary(), run.count - done);
+        exchangeSamples (run, done, count);
+        done += count;
+        setRatios (run.pitchRatios[done - 1], run.formantRatios[done - 1]);
+        advance (count);
+    }
+}
+
+/** Up to the next frame, or to the end of a ring. At least 1: a hop may have become shorter than the time since a frame. */
+int PitchShiftEngine::samplesToBoundary() const noexcept
+{
+    const auto toFrame = std::min (analysisHop - analysisCounter, synthesisHop - synthesisCounter);
+    return std::min (std::max (toFrame, 1), frameSize - inPos);
+}
+
+void PitchShiftEngine::exchangeSamples (const EngineRun& run, int first, int count) noexcept
+{
+    auto* ratios = ratioHistory.data() + inPos;
+
+    for (int i = 0; i < count; ++i)
+    {
+        ratios[i] = ratios[i + frameSize] = heldToRange (run.pitchRatios[first + i]);
+        unityRun = ratios[i] == 1.0f ? unityRun + 1 : 0;
+    }
+
+    unityRun = std::min (unityRun, frameSize);
 
     for (int c = 0; c < channelCount; ++c)
     {
         auto& channel = channelState[static_cast<std::size_t> (c)];
-        keep (channel.inRing, signalOrSilence (in[c]));
-        out[c] = channel.outRing[static_cast<std::size_t> ((outPos - frameSize) & outRingMask)];
+        const auto* in = run.in[c] + first;
+        auto* ring = channel.inRing.data() + inPos;
+
+        for (int i = 0; i < count; ++i)
+            ring[i] = ring[i + frameSize] = signalOrSilence (in[i]);
+
+        std::copy_n (channel.outRing.data() + ((outPos - frameSize) & outRingMask), count, run.out[c] + first);
     }
+}
 
-    outPos = (outPos + 1) & outRingMask;
-    inPos = (inPos + 1) & inRingMask;
+/** Moves the cursors on, and makes the frames that are due. */
+void PitchShiftEngine::advance (int samples) noexcept
+{
+    outPos = (outPos + samples) & outRingMask;
+    inPos = (inPos + samples) & inRingMask;
+    analysisCounter += samples;
+    synthesisCounter += samples;
 
-    if (++analysisCounter >= analysisHop)
+    if (analysisCounter >= analysisHop)
     {
         analysisCounter = 0;
         analyseFrame();
     }
 
-    if (++synthesisCounter >= synthesisHop)
+    if (synthesisCounter >= synthesisHop)
     {
         synthesisCounter = 0;
         synthesiseFrame();

@@ -10,9 +10,19 @@
 
 namespace tarvelline
 {
+/** A run of samples through one engine: one value a sample in every array. */
+struct EngineRun
+{
+    const float *pitchRatios, *formantRatios; // as setRatios() takes them
+    const float* const* in;                   // a pointer a channel, as is out; the two do not overlap
+    float* const* out;
+    int channels; // 1 or 2
+    int count;
+};
+
 /** Shifts the pitch of one or two channels by any ratio, and their spectral envelope by another.
 
-    A phase vocoder with eightfold overlap, driven one sample at a time: every hop (N / 8 samples at ratio 1) a frame is
+    A phase vocoder with eightfold overlap, driven sample by sample: every hop (N / 8 samples at ratio 1) a frame is
     analysed, its bins' phases are carried on, and the frame is overlap-added, resampled by the pitch ratio. Upwards the
     resynthesised frame is read back compressed; downwards the analysis reads its oldest N * ratio samples stretched over
     the frame. Below about 650 Hz the whole frame is heard, above it only the middle quarter, which keeps transients sharp.
@@ -21,10 +31,10 @@ namespace tarvelline
             (1 + i) times its Fourier coefficient.
     Units: ratios are frequency out / frequency in (2 = an octave up); samples nominally -1 .. 1.
     Latency: N samples, whatever the ratio. Gain: about 1.04 on a steady signal at ratio 1.
-    Threads: prepare() and reset() while audio is stopped; setRatios() and processFrame() on the audio thread.
-    Real time: processFrame() never allocates, locks or throws. It costs O(channels), and once a hop one forward or two
-            inverse transforms a channel; all memory comes from prepare().
-    Errors: none reported. setRatios() clamps; calling processFrame() unprepared is a caller's fault (asserted). A sample
+    Threads: prepare() and reset() while audio is stopped; setRatios(), process() and processFrame() on the audio thread.
+    Real time: processing never allocates, locks or throws. A sample costs O(channels), and once a hop there are one
+            forward or two inverse transforms a channel; all memory comes from prepare().
+    Errors: none reported. Ratios are clamped; processing unprepared is a caller's fault (asserted). A sample
             that is not finite, or beyond +-1e4, counts as 0.
 
     Sources: Flanagan and Golden, "Phase vocoder", Bell Syst. Tech. J. 45(9), 1966: magnitude and phase advance a bin.
@@ -53,7 +63,11 @@ public:
         A NaN counts as below. The pitch ratio takes effect inside the next frame, its geometry at the next frame boundary. */
     void setRatios (float pitchRatio, float newFormantRatio) noexcept;
 
-    /** One sample a channel in, one out, N samples later. `channels` is 1 or 2. */
+    /** A run of samples in, as many out, N samples later: the same to the bit as setRatios() and processFrame() for each
+        of them, and much cheaper. */
+    void process (const EngineRun&) noexcept;
+
+    /** One sample a channel in, one out, at the ratios set. `channels` is 1 or 2. */
     void processFrame (const float* in, float* out, int channels) noexcept;
 
 private:
@@ -66,6 +80,11 @@ private:
         AlignedVector<float> shapedMagnitude;     // K: with the envelope warped
         AlignedVector<float> advance, lastPhasor, synthPhasor; // N: unit phasors, pair layout
     };
+
+    // Samples in and out (PitchShiftEngine.cpp)
+    int samplesToBoundary() const noexcept;
+    void exchangeSamples (const EngineRun&, int first, int count) noexcept;
+    void advance (int samples) noexcept;
 
     // Ratio and geometry (PitchShiftEngine.cpp)
     void updateRatio() noexcept;
