@@ -253,6 +253,8 @@ namespace tarvelline
 HWY_EXPORT (Forward);
 HWY_EXPORT (Inverse);
 
+void chooseInstructionSet() { hwy::GetChosenTarget().Update (hwy::SupportedTargets()); }
+
 void hartleyForward (const HartleyTables& tables, float* data, float* scratch) noexcept
 {
     HWY_DYNAMIC_DISPATCH (Forward) (tables, data, scratch);

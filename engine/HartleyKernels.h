@@ -5,6 +5,9 @@
 
 namespace tarvelline
 {
+/** Finds out what this machine can run, so that no audio thread has to: it asks the processor, which takes its time. */
+void chooseInstructionSet();
+
 /** HartleyTransform::forward on the best instruction set of this machine. `scratch` has N floats. */
 void hartleyForward (const HartleyTables&, float* data, float* scratch) noexcept;
 

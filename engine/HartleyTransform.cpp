@@ -23,6 +23,7 @@ void HartleyTransform::init (int transformLength)
     assert (transformLength >= HartleyTables::shortest && transformLength <= HartleyTables::longest
             && std::has_single_bit (static_cast<unsigned> (transformLength)));
     tables = HartleyTables (transformLength);
+    chooseInstructionSet();
 }
 
 void HartleyTransform::release() { tables = {}; }

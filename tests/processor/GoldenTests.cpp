@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/InstructionSets.h"
 #include "tests/support/Meters.h"
 #include "tests/support/ProcessorRig.h"
 #include "tests/support/VectorCase.h"
@@ -7,6 +8,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <tuple>
 
 namespace tarvelline::test
 {
@@ -44,15 +46,19 @@ struct Player
     std::unique_ptr<ProcessorRig> rig;
 };
 
-class Golden : public testing::TestWithParam<const char*>
+/** A case, and the instruction set that it is played on. */
+class Golden : public testing::TestWithParam<std::tuple<const char*, std::string>>
 {
+protected:
+    const char* name = std::get<0> (GetParam());
+    OnInstructionSet set { std::get<1> (GetParam()) };
 };
 
 // Any change of the sound: a constant, a floor, a truncation, the order of two steps, somewhere between MIDI and mix. The
 // expected data come from another program, so an error of thought on our side does not cancel out.
 TEST_P (Golden, SoundsMovesAndSavesAsExpected)
 {
-    Player player (GetParam());
+    Player player (name);
     auto& golden = player.golden;
     const auto run = player.play();
     const auto agreement = compareAudio (run.output, golden.expected, golden.channels, golden.rate);
@@ -60,7 +66,7 @@ TEST_P (Golden, SoundsMovesAndSavesAsExpected)
 
     std::printf ("%s: overall %.1f dB, worst piece %.1f dB at sample %d, median %.1f dB, motion %.2g, "
                  "first difference above 1e-4 at sample %d\n",
-                 GetParam(), agreement.overallDb, agreement.worstPieceDb, agreement.worstPieceStart,
+                 name, agreement.overallDb, agreement.worstPieceDb, agreement.worstPieceStart,
                  agreement.medianPieceDb, motionError, agreement.firstDifference);
 
     EXPECT_GE (agreement.overallDb, 75.0);
@@ -103,9 +109,11 @@ TEST_P (GoldenInOtherBlocks, SoundsTheSame)
 const auto caseName = [] (const auto& row) { return std::string (row.param); };
 
 INSTANTIATE_TEST_SUITE_P (Cases, Golden,
-                          testing::Values ("wheel_up_seven", "voice_timbre", "three_voices", "bend_and_notes",
-                                           "rate_96k"),
-                          caseName);
+                          testing::Combine (testing::Values ("wheel_up_seven", "voice_timbre", "three_voices",
+                                                             "bend_and_notes", "rate_96k"),
+                                            testing::ValuesIn (instructionSets())),
+                          [] (const auto& row)
+                          { return std::get<0> (row.param) + ("_" + std::get<1> (row.param)); });
 
 // Not bend_and_notes: a bend is heard from the next block on, which ties the sound to the script's blocks.
 INSTANTIATE_TEST_SUITE_P (Cases, GoldenInOtherBlocks,
