@@ -43,20 +43,24 @@ void ReadStraight (const float* input, const float* window, float* frame, std::s
 
 void ReadStretched (const float* input, const float* ratios, const float* window, float* frame, std::size_t length)
 {
+    const auto limit = static_cast<float> (length);
+
     forEachVector (0, length,
                    [=] (auto d, std::size_t j) HWY_ATTR
                    {
                        const auto position = positionOf (d, j, ratios);
-                       const auto inside = hn::Lt (position, hn::Set (d, static_cast<float> (length)));
-                       const auto sample = hn::Mul (interpolated (d, input, position, length), hn::LoadU (d, window + j));
+                       const auto inside = hn::Lt (position, hn::Set (d, limit));
+                       const auto sample = hn::Mul (interpolated (d, input, position, limit), hn::LoadU (d, window + j));
                        hn::StoreU (hn::Add (hn::IfThenElseZero (inside, sample), alternatingGuard (d, j)), d, frame + j);
                    });
 }
 
-void MeasureBins (const AnalysisBins& bins)
+void MeasureBins (const AnalysisBins& given)
 {
+    const auto bins = given; // a copy, which no store into a buffer can change: it stays in registers
+
     forEachVector (0, bins.activeBins,
-                   [&bins] (auto d, std::size_t k) HWY_ATTR
+                   [bins] (auto d, std::size_t k) HWY_ATTR
                    {
                        auto sum = hn::Zero (d);
 
@@ -81,7 +85,7 @@ void MeasureBins (const AnalysisBins& bins)
 
 std::size_t NextResetPeak (const float* lockCount, const float* sum, std::size_t bin, std::size_t end)
 {
-    const hn::ScalableTag<float> d;
+    const hn::CappedTag<float, 16> d;
 
     for (; bin + hn::Lanes (d) <= end; bin += hn::Lanes (d))
     {
@@ -100,10 +104,12 @@ std::size_t NextResetPeak (const float* lockCount, const float* sum, std::size_t
     return bin;
 }
 
-void AdvancePhases (const AnalysisBins& bins)
+void AdvancePhases (const AnalysisBins& given)
 {
+    const auto bins = given;
+
     forEachVector (0, bins.activeBins,
-                   [&bins] (auto d, std::size_t k) HWY_ATTR
+                   [bins] (auto d, std::size_t k) HWY_ATTR
                    {
                        auto count = hn::LoadU (d, bins.lockCount + k);
                        const auto reset = hn::Eq (count, hn::Zero (d));

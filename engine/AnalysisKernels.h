@@ -30,7 +30,8 @@ struct AnalysisBins
 /** frame[j] = input[j] * window[j], with a trace of alternating sign that keeps silence off zero. */
 void readStraight (const float* input, const float* window, float* frame, std::size_t length) noexcept;
 
-/** The same, reading between the samples: at j * ratios[j], nothing from `length` on. The input has length + 1 samples. */
+/** The same, reading between the samples: at j * ratios[j], nothing from `length` on. The input has length + 1 samples and
+    readAhead. */
 void readStretched (const float* input, const float* ratios, const float* window, float* frame,
                     std::size_t length) noexcept;
 

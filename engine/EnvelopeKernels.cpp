@@ -62,14 +62,16 @@ void smoothIntoEnvelopes (float* rows, const float* coefficients, std::size_t co
     }
 }
 
-void WarpEnvelope (const EnvelopeWarp& warp)
+void WarpEnvelope (const EnvelopeWarp& given)
 {
+    const auto warp = given; // a copy, which no store into a buffer can change: it stays in registers
     const auto count = warp.binCount;
+    const auto top = static_cast<float> (count);
     const auto last = warp.channelCount - 1; // a single channel takes both rows
     auto* rows = warp.envelopes;
 
     forEachVector (0, count,
-                   [&] (auto d, std::size_t k) HWY_ATTR
+                   [=] (auto d, std::size_t k) HWY_ATTR
                    {
                        hn::StoreInterleaved2 (hn::LoadU (d, warp.magnitudes[0] + k),
                                               hn::LoadU (d, warp.magnitudes[last] + k), d, rows + 2 * k);
@@ -79,13 +81,13 @@ void WarpEnvelope (const EnvelopeWarp& warp)
     rows[2 * count] = rows[2 * count + 1] = envelopeSentinel;
 
     forEachVector (0, count,
-                   [&] (auto d, std::size_t k) HWY_ATTR
+                   [=] (auto d, std::size_t k) HWY_ATTR
                    {
                        const hn::RebindToSigned<decltype (d)> di;
                        const auto position =
-                           hn::Mul (hn::Iota (d, static_cast<float> (k)), hn::Set (d, warp.ratio));
-                       const auto inside = hn::Lt (position, hn::Set (d, static_cast<float> (count)));
-                       const auto index = hn::ConvertTo (di, hn::Min (position, hn::Set (d, static_cast<float> (count - 1))));
+                           hn::Mul (countFrom (d, k), hn::Set (d, warp.ratio));
+                       const auto inside = hn::Lt (position, hn::Set (d, top));
+                       const auto index = hn::ConvertTo (di, hn::Min (position, hn::Set (d, top - 1.0f)));
                        const auto fraction = hn::Sub (position, hn::ConvertTo (d, index));
                        const auto entry = hn::ShiftLeft<1> (index);
                        hn::Vec<decltype (d)> envelopes[2];

@@ -98,7 +98,7 @@ HWY_INLINE void join (D d, const BinPair<V>& bins, const Splitter<V>& w, Complex
 
 void Forward (const HartleyTables& tables, float* data, float* scratch)
 {
-    const hn::ScalableTag<float> d;
+    const hn::CappedTag<float, 16> d;
     using V = hn::Vec<decltype (d)>;
     const auto lanes = hn::Lanes (d);
     const auto half = static_cast<std::size_t> (tables.length) / 2, quarter = half / 4;
@@ -170,7 +170,7 @@ void Forward (const HartleyTables& tables, float* data, float* scratch)
 
 void Inverse (const HartleyTables& tables, float* data, float* scratch)
 {
-    const hn::ScalableTag<float> d;
+    const hn::CappedTag<float, 16> d;
     using V = hn::Vec<decltype (d)>;
     const auto lanes = hn::Lanes (d);
     const auto length = static_cast<std::size_t> (tables.length), half = length / 2, quarter = half / 4;

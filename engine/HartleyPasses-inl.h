@@ -102,7 +102,7 @@ inline void secondPass (const HartleyTables& tables, SplitComplex from, SplitCom
 /** A pass at a stride of 16 or more: runs of `stride` elements share their turns. Returns the next pass's turns. */
 inline const float* widePass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from, SplitComplex to)
 {
-    const hn::ScalableTag<float> d;
+    const hn::CappedTag<float, 16> d;
     const auto quarter = half / 4;
 
     for (std::size_t start = 0; start < quarter; start += stride, turns += 6)
@@ -130,7 +130,7 @@ inline const float* widePass (const float* turns, std::size_t half, std::size_t 
 /** A pass of radix 2, where the number of values is not a power of four. */
 inline void radix2Pass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from, SplitComplex to)
 {
-    const hn::ScalableTag<float> d;
+    const hn::CappedTag<float, 16> d;
 
     for (std::size_t start = 0; start < half / 2; start += stride, turns += 2)
     {

@@ -42,7 +42,7 @@ void PitchShiftEngine::prepare (int frameLength, float frequencyScale, float sam
     transform.init (frameSize);
     tables = EngineTables (frameSize, frequencyScale, sampleRate);
 
-    const auto n = static_cast<std::size_t> (frameSize), k = n / 2;
+    const auto n = static_cast<std::size_t> (frameSize), k = n / 2, more = static_cast<std::size_t> (readAhead);
     ratioHistory.resize (2 * n);
     lockCount.resize (k);
     magnitudeSum.resize (k);
@@ -51,11 +51,11 @@ void PitchShiftEngine::prepare (int frameLength, float frequencyScale, float sam
 
     for (auto& channel : channelState)
     {
-        channel.inRing.resize (2 * n);
+        channel.inRing.resize (2 * n + more);
         channel.outRing.resize (2 * n);
 
         for (auto* frame : { &channel.lowFrame, &channel.highFrame })
-            frame->resize (n + 2);
+            frame->resize (n + 1 + more);
 
         for (auto* perBin : { &channel.magnitude, &channel.shapedMagnitude })
             perBin->resize (k);

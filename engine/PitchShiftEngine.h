@@ -73,9 +73,9 @@ public:
 private:
     struct Channel
     {
-        AlignedVector<float> inRing;              // 2 N: every sample twice, N apart, so that a frame is one run
+        AlignedVector<float> inRing;              // 2 N: every sample twice, N apart, so that a frame is one run; and readAhead
         AlignedVector<float> outRing;             // 2 N
-        AlignedVector<float> lowFrame, highFrame; // N + 1: transform buffers and one entry to interpolate into
+        AlignedVector<float> lowFrame, highFrame; // N + 1: transform buffers, one entry to interpolate into; and readAhead
         AlignedVector<float> magnitude;           // K: of the last analysis frame
         AlignedVector<float> shapedMagnitude;     // K: with the envelope warped
         AlignedVector<float> advance, lastPhasor, synthPhasor; // N: unit phasors, pair layout

@@ -20,13 +20,14 @@ using namespace kernels;
 
 namespace
 {
-void TurnPhasors (const SynthesisBins& bins)
+void TurnPhasors (const SynthesisBins& given)
 {
+    const auto bins = given; // a copy, which no store into a buffer can change: it stays in registers
     const auto half = bins.binCount;
     auto* phasors = bins.phasor;
 
     forEachVector (0, bins.activeBins,
-                   [=, &bins] (auto d, std::size_t k) HWY_ATTR
+                   [=] (auto d, std::size_t k) HWY_ATTR
                    {
                        const auto count = hn::LoadU (d, bins.lockCount + k);
                        const Complex advance { hn::LoadU (d, bins.advance + k), hn::LoadU (d, bins.advance + half + k) };
@@ -73,22 +74,25 @@ HWY_INLINE void forEachRun (const OverlapAdd& job, const Run& run)
     }
 }
 
-void OverlapAddInterpolated (const OverlapAdd& job)
+void OverlapAddInterpolated (const OverlapAdd& given)
 {
+    const auto job = given;
+    const auto length = static_cast<float> (job.length);
+
     forEachRun (job,
-                [&job] (std::size_t from, std::size_t end, std::size_t offset, bool adds, bool narrow) HWY_ATTR
+                [=] (std::size_t from, std::size_t end, std::size_t offset, bool adds, bool narrow) HWY_ATTR
                 {
                     forEachVector (from, end,
-                                   [=, &job] (auto d, std::size_t j) HWY_ATTR
+                                   [=] (auto d, std::size_t j) HWY_ATTR
                                    {
                                        const auto position = positionOf (d, j, job.ratios);
                                        const auto inside =
-                                           hn::Lt (position, hn::Set (d, static_cast<float> (job.length)));
-                                       auto value = hn::Mul (interpolated (d, job.low, position, job.length),
+                                           hn::Lt (position, hn::Set (d, length));
+                                       auto value = hn::Mul (interpolated (d, job.low, position, length),
                                                              hn::LoadU (d, job.wide + j));
 
                                        if (narrow)
-                                           value = hn::MulAdd (interpolated (d, job.high, position, job.length),
+                                           value = hn::MulAdd (interpolated (d, job.high, position, length),
                                                                hn::LoadU (d, job.narrow + j), value);
 
                                        value = hn::IfThenElseZero (inside, value);
@@ -101,16 +105,19 @@ void OverlapAddInterpolated (const OverlapAdd& job)
                 });
 }
 
-void OverlapAddDirect (const OverlapAdd& job)
+void OverlapAddDirect (const OverlapAdd& given)
 {
+    const auto job = given;
+    const auto length = static_cast<float> (job.length);
+
     forEachRun (job,
-                [&job] (std::size_t from, std::size_t end, std::size_t offset, bool adds, bool narrow) HWY_ATTR
+                [=] (std::size_t from, std::size_t end, std::size_t offset, bool adds, bool narrow) HWY_ATTR
                 {
                     forEachVector (from, end,
-                                   [=, &job] (auto d, std::size_t j) HWY_ATTR
+                                   [=] (auto d, std::size_t j) HWY_ATTR
                                    {
                                        const auto inside = hn::Lt (positionOf (d, j, job.ratios),
-                                                                   hn::Set (d, static_cast<float> (job.length)));
+                                                                   hn::Set (d, length));
                                        auto value = hn::IfThenElseZero (
                                            inside, hn::Mul (hn::LoadU (d, job.low + j), hn::LoadU (d, job.wide + j)));
 

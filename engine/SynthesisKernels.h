@@ -22,7 +22,7 @@ struct SynthesisBins
 /** Turns each phasor on by its advance, or sets it to it where the bin is reset, and makes the two bands' spectra. */
 void turnPhasors (const SynthesisBins&) noexcept;
 
-/** Two frames of N samples (and one entry more to interpolate into) on their way into a ring of 2 N. */
+/** Two frames of N samples, one entry more to interpolate into and readAhead, on their way into a ring of 2 N. */
 struct OverlapAdd
 {
     const float *low, *high;

@@ -76,11 +76,11 @@ HWY_INLINE void forEachVector (std::size_t k, std::size_t end, const Step& step)
         forEachVector<lanes / 2> (k, end, step);
 }
 
-/** The same with the widest vectors of the machine. */
+/** The same with the widest vectors of the machine, up to 16 floats. */
 template <typename Step>
 HWY_INLINE void forEachVector (std::size_t k, std::size_t end, const Step& step)
 {
-    forEachVector<hn::MaxLanes (hn::ScalableTag<float>())> (k, end, step);
+    forEachVector<hn::MaxLanes (hn::CappedTag<float, 16>())> (k, end, step);
 }
 
 // NOLINTNEXTLINE(google-readability-namespace-comments)
