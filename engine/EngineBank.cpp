@@ -72,10 +72,13 @@ void EngineBank::rebuildEngines()
     for (auto& line : dryLines)
         line.resize (frameSize);
 
+    const auto resources =
+        std::make_shared<EngineResources> (frameSize, sampleRate * choice.scalePerHz, sampleRate);
+
     for (auto& engine : engines)
     {
         auto fresh = std::make_unique<PitchShiftEngine>();
-        fresh->prepare (frameSize, sampleRate * choice.scalePerHz, sampleRate);
+        fresh->prepare (resources);
         engine = std::move (fresh);
     }
 

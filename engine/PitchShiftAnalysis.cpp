@@ -9,7 +9,7 @@ void PitchShiftEngine::analyseFrame() noexcept
     readWindowedInput();
 
     for (int c = 0; c < channelCount; ++c)
-        transform.forward (channelState[static_cast<std::size_t> (c)].lowFrame.data());
+        resources->transform.forward (resources->low[static_cast<std::size_t> (c)].data());
 
     const auto bins = analysisBins();
     kernels::measureBins (bins); // one lock count for all channels: they reset together and the stereo image holds
@@ -28,29 +28,29 @@ void PitchShiftEngine::readWindowedInput() noexcept
 
     for (int c = 0; c < channelCount; ++c)
     {
-        auto& channel = channelState[static_cast<std::size_t> (c)];
-        const auto* input = channel.inRing.data() + oldest;
-        auto* frame = channel.lowFrame.data();
+        const auto* input = channelState[static_cast<std::size_t> (c)].inRing.data() + oldest;
+        auto* frame = resources->low[static_cast<std::size_t> (c)].data();
 
         if (appliedRatio < 1.0f)
-            kernels::readStretched (input, ratioHistory.data() + oldest, tables.wideWindow.data(), frame, length);
+            kernels::readStretched (input, ratioHistory.data() + oldest, resources->tables.wideWindow.data(), frame, length);
         else
-            kernels::readStraight (input, tables.wideWindow.data(), frame, length);
+            kernels::readStraight (input, resources->tables.wideWindow.data(), frame, length);
     }
 }
 
 kernels::AnalysisBins PitchShiftEngine::analysisBins() noexcept
 {
-    const auto buffers = [] (Channel& channel) -> kernels::AnalysisBins::Channel
+    const auto buffers = [this] (std::size_t c) -> kernels::AnalysisBins::Channel
     {
-        return { channel.lowFrame.data(), channel.magnitude.data(), channel.advance.data(), channel.lastPhasor.data() };
+        auto& channel = channelState[c];
+        return { resources->low[c].data(), channel.magnitude.data(), channel.advance.data(), channel.lastPhasor.data() };
     };
 
-    return { .channels = { buffers (channelState[0]), buffers (channelState[1]) },
+    return { .channels = { buffers (0), buffers (1) },
              .channelCount = static_cast<std::size_t> (channelCount),
              .binCount = static_cast<std::size_t> (binCount),
              .activeBins = static_cast<std::size_t> (activeBins),
-             .onsetThreshold = tables.onsetThreshold.data(),
+             .onsetThreshold = resources->tables.onsetThreshold.data(),
              .sum = magnitudeSum.data(),
              .lockCount = lockCount.data() };
 }
@@ -59,7 +59,7 @@ void PitchShiftEngine::spreadResetsOverPeaks() noexcept
 {
     const auto* sum = magnitudeSum.data();
     const auto* locks = lockCount.data();
-    const auto lowestBin = tables.peakStartBin;
+    const auto lowestBin = resources->tables.peakStartBin;
 
     for (int k = 2; static_cast<float> (k) < lowestBin;)
     {
@@ -111,8 +111,8 @@ void PitchShiftEngine::warpEnvelope() noexcept
                              .shaped = { left.shapedMagnitude.data(), right.shapedMagnitude.data() },
                              .channelCount = static_cast<std::size_t> (channelCount),
                              .binCount = static_cast<std::size_t> (binCount),
-                             .coefficients = tables.envelopeCoeff.data(),
+                             .coefficients = resources->tables.envelopeCoeff.data(),
                              .ratio = formantRatio,
-                             .envelopes = left.highFrame.data() }); // free until the next synthesis frame
+                             .envelopes = resources->envelopes.data() });
 }
 } // namespace tarvelline

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <utility>
 
 namespace tarvelline
 {
@@ -32,15 +33,18 @@ float signalOrSilence (float sample) noexcept { return std::abs (sample) <= loud
 
 void PitchShiftEngine::prepare (int frameLength, float frequencyScale, float sampleRate)
 {
+    prepare (std::make_shared<EngineResources> (frameLength, frequencyScale, sampleRate));
+}
+
+void PitchShiftEngine::prepare (std::shared_ptr<EngineResources> shared)
+{
     ready = false;
-    frameSize = frameLength;
+    resources = std::move (shared);
+    frameSize = resources->transform.getLength();
     inRingMask = frameSize - 1;
     outRingMask = 2 * frameSize - 1;
     binCount = frameSize / 2;
     outputGain = resynthesisGain / static_cast<float> (frameSize);
-
-    transform.init (frameSize);
-    tables = EngineTables (frameSize, frequencyScale, sampleRate);
 
     const auto n = static_cast<std::size_t> (frameSize), k = n / 2, more = static_cast<std::size_t> (readAhead);
     ratioHistory.resize (2 * n);
@@ -53,9 +57,6 @@ void PitchShiftEngine::prepare (int frameLength, float frequencyScale, float sam
     {
         channel.inRing.resize (2 * n + more);
         channel.outRing.resize (2 * n);
-
-        for (auto* frame : { &channel.lowFrame, &channel.highFrame })
-            frame->resize (n + 1 + more);
 
         for (auto* perBin : { &channel.magnitude, &channel.shapedMagnitude })
             perBin->resize (k);
@@ -76,6 +77,7 @@ void PitchShiftEngine::prepare (int frameLength, float frequencyScale, float sam
     synthesisHop = scaledLength (synthesisSpan, hopShare);
     overlapLength = frameSize - analysisHop;
     activeBins = binCount;
+    windowedSpan = 0; // of other tables
     resampleWindows();
     ready = true;
 }
@@ -90,8 +92,8 @@ void PitchShiftEngine::reset() noexcept
     clear (magnitudeSum);
 
     for (auto& channel : channelState)
-        for (auto* buffer : { &channel.inRing, &channel.outRing, &channel.lowFrame, &channel.highFrame,
-                              &channel.magnitude, &channel.shapedMagnitude, &channel.advance, &channel.lastPhasor })
+        for (auto* buffer : { &channel.inRing, &channel.outRing, &channel.magnitude, &channel.shapedMagnitude,
+                              &channel.advance, &channel.lastPhasor })
             clear (*buffer); // synthPhasor stays: with every bin unlocked the next frame overwrites it
 
     analysisCounter = synthesisCounter = 0;

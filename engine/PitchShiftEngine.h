@@ -3,10 +3,10 @@
 
 #include "engine/AlignedVector.h"
 #include "engine/AnalysisKernels.h"
-#include "engine/EngineTables.h"
-#include "engine/HartleyTransform.h"
+#include "engine/EngineResources.h"
 
 #include <array>
+#include <memory>
 
 namespace tarvelline
 {
@@ -53,6 +53,9 @@ public:
         @param sampleRate      Hz */
     void prepare (int frameLength, float frequencyScale, float sampleRate);
 
+    /** The same with what it shares with other engines of that frame length and rate. */
+    void prepare (std::shared_ptr<EngineResources> shared);
+
     /** Clears all signal state, keeps ratios and memory. */
     void reset() noexcept;
 
@@ -75,7 +78,6 @@ private:
     {
         AlignedVector<float> inRing;              // 2 N: every sample twice, N apart, so that a frame is one run; and readAhead
         AlignedVector<float> outRing;             // 2 N
-        AlignedVector<float> lowFrame, highFrame; // N + 1: transform buffers, one entry to interpolate into; and readAhead
         AlignedVector<float> magnitude;           // K: of the last analysis frame
         AlignedVector<float> shapedMagnitude;     // K: with the envelope warped
         AlignedVector<float> advance, lastPhasor, synthPhasor; // N: unit phasors, pair layout
@@ -103,8 +105,8 @@ private:
 
     // Synthesis frame (PitchShiftSynthesis.cpp)
     void synthesiseFrame() noexcept;
-    void turnPhasors (Channel&) noexcept;
-    void overlapAdd (Channel&) noexcept;
+    void turnPhasors (std::size_t channel) noexcept;
+    void overlapAdd (std::size_t channel) noexcept;
     void resampleWindows() noexcept;
 
     int frameSize = 0;   // N
@@ -139,8 +141,7 @@ private:
     int narrowStart = 0, narrowEnd = 0;                // where the narrow one is not 0
     int windowedSpan = 0;                              // the span they are made for
 
-    EngineTables tables;
-    HartleyTransform transform;
+    std::shared_ptr<EngineResources> resources;
     std::array<Channel, maxChannels> channelState;
 };
 } // namespace tarvelline

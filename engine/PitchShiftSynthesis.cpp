@@ -7,39 +7,40 @@ namespace tarvelline
 {
 void PitchShiftEngine::synthesiseFrame() noexcept
 {
-    for (int c = 0; c < channelCount; ++c)
+    for (std::size_t c = 0; c < static_cast<std::size_t> (channelCount); ++c)
     {
-        auto& channel = channelState[static_cast<std::size_t> (c)];
-        turnPhasors (channel);
-        transform.inverse (channel.lowFrame.data());
-        transform.inverse (channel.highFrame.data());
-        overlapAdd (channel);
+        turnPhasors (c);
+        resources->transform.inverse (resources->low[c].data());
+        resources->transform.inverse (resources->high[c].data());
+        overlapAdd (c);
     }
 }
 
-void PitchShiftEngine::turnPhasors (Channel& channel) noexcept
+void PitchShiftEngine::turnPhasors (std::size_t c) noexcept
 {
+    auto& channel = channelState[c];
     const auto& magnitude = appliedFormantRatio != 1.0f ? channel.shapedMagnitude : channel.magnitude;
 
     kernels::turnPhasors ({ .magnitude = magnitude.data(),
                             .advance = channel.advance.data(),
                             .lockCount = lockCount.data(),
-                            .lowBandWeight = tables.lowBandWeight.data(),
+                            .lowBandWeight = resources->tables.lowBandWeight.data(),
                             .phasor = channel.synthPhasor.data(),
-                            .low = channel.lowFrame.data(),
-                            .high = channel.highFrame.data(),
+                            .low = resources->low[c].data(),
+                            .high = resources->high[c].data(),
                             .binCount = static_cast<std::size_t> (binCount),
                             .activeBins = static_cast<std::size_t> (activeBins),
                             .gain = outputGain });
 }
 
-void PitchShiftEngine::overlapAdd (Channel& channel) noexcept
+void PitchShiftEngine::overlapAdd (std::size_t c) noexcept
 {
+    const auto& tables = resources->tables;
     const auto wholeFrame = synthesisSpan == frameSize;
     const auto ringStart = (outPos - frameSize) & outRingMask;
 
-    kernels::OverlapAdd job { .low = channel.lowFrame.data(),
-                              .high = channel.highFrame.data(),
+    kernels::OverlapAdd job { .low = resources->low[c].data(),
+                              .high = resources->high[c].data(),
                               .ratios = nullptr,
                               .wide = wholeFrame ? tables.wideWindow.data() : wideOverSpan.data(),
                               .narrow = wholeFrame ? tables.narrowWindow.data() : narrowOverSpan.data(),
@@ -48,7 +49,7 @@ void PitchShiftEngine::overlapAdd (Channel& channel) noexcept
                               .length = static_cast<std::size_t> (frameSize),
                               .span = static_cast<std::size_t> (synthesisSpan),
                               .overlap = static_cast<std::size_t> (overlapLength),
-                              .ring = channel.outRing.data(),
+                              .ring = channelState[c].outRing.data(),
                               .ringStart = static_cast<std::size_t> (ringStart) };
 
     if (appliedRatio < 1.0f)
@@ -75,6 +76,7 @@ void PitchShiftEngine::resampleWindows() noexcept
     if (synthesisSpan == windowedSpan)
         return;
 
+    const auto& tables = resources->tables;
     windowedSpan = synthesisSpan;
     narrowStart = tables.narrowStart;
     narrowEnd = tables.narrowEnd;
