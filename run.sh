@@ -1,10 +1,19 @@
 #!/usr/bin/env bash
 # Builds the plug-in and the renderer, with all they need. Without arguments it plays the demo into out/; with arguments it
-# hands them to tarvelline-render (./run.sh --help lists them).
+# hands them to tarvelline-render (./run.sh --help lists them). --bench compares cost with other programs' instead, and draws
+# it over voices, shift, sample rate and block size into out/.
 set -euo pipefail
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 source "$root/tools/setup"
+
+if [[ "${1:-}" == --bench ]]; then
+    packages+=(librubberband-dev libsoundtouch-dev libfftw3-dev)
+    install_missing
+    cmake -S "$root" --preset release >/dev/null # the peers may have come after the last configuring
+    build_targets "$root" release compare
+    exec "$root/build/release/bench/compare" "$root/out"
+fi
 
 install_missing
 build_targets "$root" release Tarvelline_VST3 tarvelline_render

@@ -51,12 +51,7 @@ void processBlock (benchmark::State& state)
     if (std::count_if (slots.begin(), slots.end(), [] (const auto& slot) { return slot.active; }) != voices)
         state.SkipWithError ("not every note became a voice");
 
-    BlockMeter meter (blockSize, rate);
-
-    for (auto _ : state)
-        meter.measure (playBlock);
-
-    meter.report (state);
+    BlockMeter (blockSize, rate).measure (state, playBlock);
 }
 
 BENCHMARK (processBlock)

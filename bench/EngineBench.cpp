@@ -63,12 +63,7 @@ void engineStereo (benchmark::State& state)
     for (int warmUp = 0; warmUp < rate / blockSize; ++warmUp)
         playBlock();
 
-    BlockMeter meter (blockSize, rate);
-
-    for (auto _ : state)
-        meter.measure (playBlock);
-
-    meter.report (state);
+    BlockMeter (blockSize, rate).measure (state, playBlock);
 }
 
 BENCHMARK_CAPTURE (transform, forward, &HartleyTransform::forward)->Arg (2048)->Arg (4096)->Arg (8192);

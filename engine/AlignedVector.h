@@ -34,6 +34,10 @@ struct CacheLineAllocator
     }
 };
 
+/** Floats by which vector code may read past the last one it uses: two of the widest vectors. Buffers that are read between
+    their samples have that many more. */
+inline constexpr int readAhead = 32;
+
 /** A std::vector whose first element is aligned to 64 bytes. */
 template <typename Type>
 using AlignedVector = std::vector<Type, CacheLineAllocator<Type>>;

@@ -3,11 +3,12 @@
 
 #include "engine/AlignedVector.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace tarvelline
 {
-/** A ring of samples read and written in one step. resize() allocates; exchange() is real-time safe. */
+/** A ring of samples read and written in one go. resize() allocates; exchange() is real-time safe. */
 class DelayLine
 {
 public:
@@ -18,19 +19,19 @@ public:
         position = 0;
     }
 
-    /** Returns the oldest sample and stores `newest` in its place; `newest` itself while the line has no length. */
-    float exchange (float newest) noexcept
+    /** Keeps `count` samples and puts those it kept longest in their place. Leaves them alone while the line has no length. */
+    void exchange (float* samples, int count) noexcept
     {
         if (ring.empty())
-            return newest;
+            return;
 
-        const auto oldest = ring[position];
-        ring[position] = newest;
-
-        if (++position == ring.size())
-            position = 0;
-
-        return oldest;
+        for (auto *next = samples, *const end = samples + count; next != end;)
+        {
+            const auto run = std::min (static_cast<std::size_t> (end - next), ring.size() - position);
+            std::swap_ranges (next, next + run, ring.data() + position);
+            next += run;
+            position = position + run == ring.size() ? 0 : position + run;
+        }
     }
 
 private:

@@ -34,7 +34,24 @@ FrameChoice frameChoiceFor (float sampleRate) noexcept
     return highestChoice;
 }
 
-float ratioOf (float semitones) noexcept { return std::exp (semitones * semitoneToLog); }
+/** Semitones to a frequency ratio. Keeps the last answer: most wheels rest most of the time. */
+class RatioOfSemitones
+{
+public:
+    float operator() (float semitones) noexcept
+    {
+        if (semitones != last)
+        {
+            last = semitones;
+            ratio = std::exp (semitones * semitoneToLog);
+        }
+
+        return ratio;
+    }
+
+private:
+    float last = 0.0f, ratio = 1.0f;
+};
 } // namespace
 
 void EngineBank::setSampleRate (float hertz) noexcept
@@ -55,10 +72,13 @@ void EngineBank::rebuildEngines()
     for (auto& line : dryLines)
         line.resize (frameSize);
 
+    const auto resources =
+        std::make_shared<EngineResources> (frameSize, sampleRate * choice.scalePerHz, sampleRate);
+
     for (auto& engine : engines)
     {
         auto fresh = std::make_unique<PitchShiftEngine>();
-        fresh->prepare (frameSize, sampleRate * choice.scalePerHz, sampleRate);
+        fresh->prepare (resources);
         engine = std::move (fresh);
     }
 
@@ -73,46 +93,73 @@ void EngineBank::destroyEngines() noexcept
         engine.reset();
 }
 
-void EngineBank::processFrame (const FrameControls& controls, VoiceSlots& voices, const float* in, float* out,
-                               int channels) noexcept
+void EngineBank::process (const BankRun& run, VoiceSlots& voices, const VoiceLevels& levels) noexcept
 {
-    assert (ready);
-    std::fill_n (out, channels, 0.0f);
+    assert (ready && run.count <= longestRun);
 
-    // A voice's own shift moves its pitch and its timbre alike, so it cancels out of the formant ratio.
-    const auto run = [&] (int number, float voiceSemitones, float timbreSemitones, float gain)
-    {
-        const auto pitchRatio = ratioOf (voiceSemitones + controls.pitchSemitones);
-        const auto formantRatio = controls.timbreInUse ? pitchRatio / ratioOf (timbreSemitones) : 1.0f;
-        runEngine (number, pitchRatio, formantRatio, gain, in, out, channels);
-    };
+    for (int c = 0; c < run.channels; ++c)
+        std::fill_n (run.out[c], run.count, 0.0f);
 
-    if (controls.transposeMode)
+    if (run.transposeMode)
     {
-        run (0, voices[0].semitones, controls.timbreSemitones, 1.0f);
+        runVoice (run, 0, voices[0].semitones, nullptr, run.count);
         return;
     }
 
-    for (auto& voice : voices)
+    for (std::size_t slot = 0; slot < voices.size(); ++slot)
     {
-        if (! voice.active)
+        const auto& voice = levels.voices[slot];
+
+        if (voice.activeSamples == 0)
             continue;
 
-        voice.started = false;
-        run (voice.index, voice.semitones, voice.semitones + controls.timbreSemitones, std::max (voice.level, 0.0f));
+        voices[slot].started = false;
+        runVoice (run, voices[slot].index, voices[slot].semitones, voice.levels.data(), voice.activeSamples);
     }
 }
 
-void EngineBank::runEngine (int number, float pitchRatio, float formantRatio, float gain, const float* in, float* out,
-                            int channels) noexcept
+void EngineBank::processFrame (const FrameControls& controls, VoiceSlots& voices, const float* in, float* out,
+                               int channels) noexcept
 {
-    auto& engine = *engines[static_cast<std::size_t> (number)];
-    float wet[PitchShiftEngine::maxChannels] {};
+    VoiceLevels levels;
 
-    engine.setRatios (pitchRatio, formantRatio);
-    engine.processFrame (in, wet, channels);
+    for (std::size_t slot = 0; slot < voices.size(); ++slot)
+    {
+        levels.voices[slot].activeSamples = voices[slot].active ? 1 : 0;
+        levels.voices[slot].levels[0] = voices[slot].level;
+    }
 
-    for (int c = 0; c < channels; ++c)
-        out[c] += wet[c] * gain;
+    const float* const inputs[] = { in, in + channels - 1 };
+    float* const outputs[] = { out, out + channels - 1 };
+    process ({ &controls.pitchSemitones, &controls.timbreSemitones, controls.transposeMode, controls.timbreInUse, inputs,
+               outputs, channels, 1 },
+             voices, levels);
+}
+
+/** @param levels  nullptr: full gain, as the one engine of transpose mode has it, whose timbre follows the wheel alone */
+void EngineBank::runVoice (const BankRun& run, int number, float voiceSemitones, const float* levels,
+                           int count) noexcept
+{
+    std::array<float, longestRun> pitchRatios, formantRatios, wet[PitchShiftEngine::maxChannels];
+    RatioOfSemitones pitchRatio, timbreRatio;
+
+    for (std::size_t i = 0; i < static_cast<std::size_t> (count); ++i)
+    {
+        pitchRatios[i] = pitchRatio (voiceSemitones + run.pitchSemitones[i]);
+        formantRatios[i] = run.timbreInUse ? pitchRatios[i] : 1.0f;
+
+        // A voice's own shift moves its pitch and its timbre alike, so it cancels out of the formant ratio.
+        if (run.timbreInUse)
+            formantRatios[i] /=
+                timbreRatio (levels != nullptr ? voiceSemitones + run.timbreSemitones[i] : run.timbreSemitones[i]);
+    }
+
+    float* const outputs[] = { wet[0].data(), wet[1].data() };
+    engines[static_cast<std::size_t> (number)]->process (
+        { pitchRatios.data(), formantRatios.data(), run.in, outputs, run.channels, count });
+
+    for (int c = 0; c < run.channels; ++c)
+        for (int i = 0; i < count; ++i)
+            run.out[c][i] += outputs[c][i] * (levels != nullptr ? std::max (levels[i], 0.0f) : 1.0f);
 }
 } // namespace tarvelline

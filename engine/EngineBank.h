@@ -19,11 +19,22 @@ struct FrameControls
     bool timbreInUse = false;  // otherwise the envelope moves with the pitch
 };
 
+/** A run of samples, at most `longestRun`, through the bank: one value a sample in every array. */
+struct BankRun
+{
+    const float *pitchSemitones, *timbreSemitones;
+    bool transposeMode, timbreInUse; // as in FrameControls
+    const float* const* in;          // a pointer a channel, as is out; the two do not overlap
+    float* const* out;
+    int channels; // 1 or 2
+    int count;
+};
+
 /** Eight pitch-shift engines, one a voice, and the dry path that is delayed to match them.
 
     Frame length N (and so the latency, in samples): 2048 up to 48 kHz, 4096 up to 96 kHz, 8192 above.
-    Threads: setSampleRate(), rebuildEngines() and destroyEngines() while audio is stopped; processFrame() and the delay
-            lines on the audio thread. Real time: neither of these two allocates, locks or throws.
+    Threads: setSampleRate(), rebuildEngines() and destroyEngines() while audio is stopped; processing and the delay lines
+            on the audio thread. Real time: neither of these two allocates, locks or throws.
     Errors: when memory runs out rebuildEngines() throws std::bad_alloc and the bank stays not ready. */
 class EngineBank
 {
@@ -43,20 +54,23 @@ public:
     /** The frame length for a sample rate in Hz. */
     static int frameSizeFor (float sampleRate) noexcept;
 
-    /** One sample a channel in, the sum of all sounding voices out. `channels` is 1 or 2; call it only when ready.
-        In voice mode every active slot runs its engine and is added with its level (none while that is below zero);
-        in transpose mode engine 0 alone runs, at full gain. Clears `started` of the voices it runs. */
+    /** A run of samples in, the sum of all sounding voices out; call it only when ready.
+        In voice mode every slot runs its engine while it is active and is added with its level (none while that is below
+        zero); in transpose mode engine 0 alone runs, at full gain. Clears `started` of the voices it runs.
+        @param levels  read in voice mode only */
+    void process (const BankRun&, VoiceSlots&, const VoiceLevels& levels) noexcept;
+
+    /** One sample a channel: process() with the slots as they stand. */
     void processFrame (const FrameControls&, VoiceSlots&, const float* in, float* out, int channels) noexcept;
 
-    /** The dry signal of a channel, N samples late: hands back the oldest sample and keeps `newest`. */
-    float delayDry (int channel, float newest) noexcept
+    /** The dry signal of a channel, N samples late: keeps the samples and puts the oldest in their place. */
+    void delayDry (int channel, float* samples, int count) noexcept
     {
-        return dryLines[static_cast<std::size_t> (channel)].exchange (newest);
+        dryLines[static_cast<std::size_t> (channel)].exchange (samples, count);
     }
 
 private:
-    void runEngine (int number, float pitchRatio, float formantRatio, float gain, const float* in, float* out,
-                    int channels) noexcept;
+    void runVoice (const BankRun&, int number, float voiceSemitones, const float* levels, int count) noexcept;
 
     float sampleRate = 44100.0f;
     int frameSize = 0;

@@ -52,7 +52,9 @@ void EngineTables::buildWindows (int frameLength)
 
     const auto half = frameLength / narrowWindowDivisor / 2;
     fillHalfSine (wideWindow.data(), frameLength);
-    fillHalfSine (narrowWindow.data() + frameLength / 2 - half, 2 * half);
+    narrowStart = frameLength / 2 - half;
+    narrowEnd = frameLength / 2 + half;
+    fillHalfSine (narrowWindow.data() + narrowStart, 2 * half);
 
     // A frame analysed with the wide window carries the same overlap-add gain whichever window resynthesises it.
     auto wideGain = 0.0, narrowGain = 0.0;

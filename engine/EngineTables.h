@@ -21,6 +21,7 @@ struct EngineTables
 
     AlignedVector<float> wideWindow;     // a half period of a sine over the whole frame
     AlignedVector<float> narrowWindow;   // the same over the middle quarter, with the wide window's overlap-add gain
+    int narrowStart = 0, narrowEnd = 0;  // the entries between which it is not 0
     AlignedVector<float> onsetThreshold; // rise of a bin's magnitude from frame to frame that counts as an onset
     AlignedVector<float> lowBandWeight;  // share of a bin that is heard through the wide window, 1 .. 0
     AlignedVector<float> envelopeCoeff;  // one-pole smoothing of the spectral envelope along the bins

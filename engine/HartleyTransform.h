@@ -1,30 +1,33 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "engine/AlignedVector.h"
-
-#include <cstdint>
-#include <utility>
-#include <vector>
+#include "engine/HartleyTables.h"
 
 namespace tarvelline
 {
 /** The discrete Hartley transform of real single-precision data, in place.
 
     Definition: H[k] = sum over n of x[n] (cos (2 pi n k / N) + sin (2 pi n k / N)), k = 0 .. N - 1, unscaled. It is its
-    own inverse up to the factor N, so one routine serves analysis and resynthesis.
+    own inverse up to the factor N, so one transform serves analysis and resynthesis.
 
-    Shapes: N = length, a power of two from 4 to 65536 (swap indices are 16 bits wide); K = N / 2.
+    Shapes: N = length, a power of two from 256 to 8192; K = N / 2. Data need no alignment; 64 bytes are fastest.
     Threads: init() and release() while nobody transforms; the transforms are const and may run on any thread, each on
-            its own data. Real time: the transforms allocate nothing, lock nothing and never throw.
+            its own data. Real time: the transforms allocate nothing, lock nothing and never throw; they use 8 N bytes of
+            the stack, 64 KB at most.
     Errors: a length outside the shapes above is a caller's fault (asserted).
+    Results: the same on every run on one machine; machines with other vector instructions round differently.
 
-    Method: bit reversal, one pass of radix 4 (even log2 N) or 8 (odd), then passes of radix 4.
-    Sources: Bracewell, "The fast Hartley transform", Proc. IEEE 72(8), 1984; Sorensen, Jones, Burrus and Heideman,
-            "On computing the discrete Hartley transform", IEEE Trans. ASSP 33(5), 1985, for radix 4. */
+    Method: N reals as N / 2 complex values, radix-4 passes that sort themselves (Stockham), and one pass, fused with the
+            outermost of them, between complex bins and the pairs of forward(). Nothing is bit-reversed.
+    Sources: Bracewell, "The fast Hartley transform", Proc. IEEE 72(8), 1984; Cochran and others, "What is the fast Fourier
+            transform?", Proc. IEEE 55(10), 1967, for Stockham's order; Sorensen, Jones, Heideman and Burrus, "Real-valued
+            fast Fourier transform algorithms", IEEE Trans. ASSP 35(6), 1987, for the half-length method. */
 class HartleyTransform
 {
 public:
+    /** Without tables, length 0. */
+    HartleyTransform() = default;
+
     explicit HartleyTransform (int transformLength) { init (transformLength); }
 
     /** Builds the tables for another length. Allocates. */
@@ -33,7 +36,7 @@ public:
     /** Frees the tables; the length becomes 0. */
     void release();
 
-    int getLength() const noexcept { return length; }
+    int getLength() const noexcept { return tables.length; }
 
     /** The plain transform of `data` (N floats), natural order in and out. */
     void transform (float* data) const noexcept;
@@ -49,20 +52,6 @@ public:
     void inverse (float* data) const noexcept;
 
 private:
-    /** Cosine and sine of one butterfly's angle, of twice and of three times that angle. */
-    struct Twiddle
-    {
-        float cos1, sin1, cos2, sin2, cos3, sin3;
-    };
-
-    void swapBitReversed (float* data) const noexcept;
-    void firstPassRadix4 (float* data) const noexcept;
-    void firstPassRadix8 (float* data) const noexcept;
-    void reverseUpperHalf (float* data) const noexcept;
-
-    int length = 0;
-    bool oddLog = false; // log2 (N) is odd: the first pass has radix 8
-    std::vector<std::pair<std::uint16_t, std::uint16_t>> swapPairs;
-    AlignedVector<Twiddle> twiddles; // of all radix-4 passes, in the order of their use
+    HartleyTables tables;
 };
 } // namespace tarvelline

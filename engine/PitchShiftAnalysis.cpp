@@ -1,58 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The analysis frame: what the input holds now, bin by bin, and how far each bin's phase has moved since the last frame.
 #include "engine/PitchShiftEngine.h"
-#include "engine/Spectrum.h"
-
-#include <algorithm>
 
 namespace tarvelline
 {
-namespace
-{
-constexpr float onsetFloor = 1.0e-8f;      // a bin this quiet in the last frame cannot rise: it starts afresh
-constexpr float envelopeFloor = 0.01f;     // the envelope divides the magnitudes: held well off zero
-constexpr float envelopeBeyondTop = 0.01f; // what the envelope is taken for above its last bin
-constexpr float envelopeSentinel = 0.001f; // the entry after the last bin, to interpolate into
-constexpr int envelopePasses = 2;
-
-/** One step of a one-pole smoother along the bins. */
-float smoothed (float state, float value, float coefficient) noexcept
-{
-    return (state - value) * coefficient + denormalGuard + value;
-}
-
-/** Smooths magnitudes into their envelope, backwards and forwards so that it does not lean, twice. */
-void smoothIntoEnvelope (float* envelope, const float* coefficients, int count) noexcept
-{
-    for (int pass = 0; pass < envelopePasses; ++pass)
-    {
-        auto state = 0.0f;
-
-        for (int k = count - 1; k >= 0; --k)
-            envelope[k] = state = smoothed (state, envelope[k], coefficients[k]);
-
-        state = 0.0f;
-
-        for (int k = 0; k < count; ++k)
-        {
-            state = smoothed (state, envelope[k], coefficients[k]);
-            envelope[k] = std::max (state, envelopeFloor); // the state itself runs on below the floor
-        }
-    }
-}
-} // namespace
-
 void PitchShiftEngine::analyseFrame() noexcept
 {
     readWindowedInput();
 
     for (int c = 0; c < channelCount; ++c)
-        transform.forward (channelState[static_cast<std::size_t> (c)].lowFrame.data());
+        resources->transform.forward (resources->low[static_cast<std::size_t> (c)].data());
 
-    measureMagnitudes();
-    detectOnsets();
+    const auto bins = analysisBins();
+    kernels::measureBins (bins); // one lock count for all channels: they reset together and the stereo image holds
     spreadResetsOverPeaks();
-    advancePhases();
+    kernels::advancePhases (bins);
 
     if (formantRatio != 1.0f)
         warpEnvelope();
@@ -62,107 +24,59 @@ void PitchShiftEngine::analyseFrame() noexcept
 
 void PitchShiftEngine::readWindowedInput() noexcept
 {
+    const auto oldest = static_cast<std::size_t> (inPos), length = static_cast<std::size_t> (frameSize);
+
     for (int c = 0; c < channelCount; ++c)
     {
-        auto& channel = channelState[static_cast<std::size_t> (c)];
-        auto* frame = channel.lowFrame.data();
+        const auto* input = channelState[static_cast<std::size_t> (c)].inRing.data() + oldest;
+        auto* frame = resources->low[static_cast<std::size_t> (c)].data();
 
         if (appliedRatio < 1.0f)
-        {
-            readStretchedInput (channel);
-        }
+            kernels::readStretched (input, ratioHistory.data() + oldest, resources->tables.wideWindow.data(), frame, length);
         else
-        {
-            for (int j = 0; j < frameSize; ++j)
-                frame[j] = channel.inRing[static_cast<std::size_t> ((inPos + j) & inRingMask)]
-                           * tables.wideWindow[static_cast<std::size_t> (j)];
-        }
-
-        // An alternating offset keeps a silent frame free of denormals and of magnitudes that are exactly zero.
-        for (int j = 0; j < frameSize; j += 2)
-        {
-            frame[j] -= denormalGuard;
-            frame[j + 1] += denormalGuard;
-        }
+            kernels::readStraight (input, resources->tables.wideWindow.data(), frame, length);
     }
 }
 
-void PitchShiftEngine::readStretchedInput (Channel& channel) const noexcept
+kernels::AnalysisBins PitchShiftEngine::analysisBins() noexcept
 {
-    const auto* ring = channel.inRing.data();
-
-    for (int j = 0; j < frameSize; ++j)
+    const auto buffers = [this] (std::size_t c) -> kernels::AnalysisBins::Channel
     {
-        const auto position =
-            static_cast<float> (j) * ratioHistory[static_cast<std::size_t> ((inPos + j) & inRingMask)];
-        auto& sample = channel.lowFrame[static_cast<std::size_t> (j)];
-        sample = 0.0f;
+        auto& channel = channelState[c];
+        return { resources->low[c].data(), channel.magnitude.data(), channel.advance.data(), channel.lastPhasor.data() };
+    };
 
-        if (position < static_cast<float> (frameSize))
-        {
-            const auto index = static_cast<int> (position);
-            const auto here = ring[(inPos + index) & inRingMask];
-            const auto next = ring[(inPos + index + 1) & inRingMask];
-            sample = (here + (next - here) * (position - static_cast<float> (index)))
-                     * tables.wideWindow[static_cast<std::size_t> (j)];
-        }
-    }
-}
-
-void PitchShiftEngine::measureMagnitudes() noexcept
-{
-    std::fill_n (sumScratch.begin(), binCount, 0.0f);
-
-    for (int c = 0; c < channelCount; ++c)
-    {
-        auto& channel = channelState[static_cast<std::size_t> (c)];
-        const SpectrumView spectrum (channel.lowFrame.data(), binCount);
-
-        for (int k = 0; k < activeBins; ++k)
-        {
-            const auto magnitude = spectrum.get (k).magnitude();
-            channel.magnitude[static_cast<std::size_t> (k)] = magnitude;
-            sumScratch[static_cast<std::size_t> (k)] += magnitude;
-        }
-    }
-}
-
-void PitchShiftEngine::detectOnsets() noexcept
-{
-    // One lock state for all channels, so that they reset their phases together and the stereo image holds.
-    for (std::size_t k = 0; k < static_cast<std::size_t> (activeBins); ++k)
-    {
-        const auto previous = previousSum[k];
-        const auto current = sumScratch[k];
-        const auto stable = previous >= onsetFloor && current / (previous + denormalGuard) <= tables.onsetThreshold[k];
-
-        lockCount[k] = stable ? static_cast<std::uint8_t> (lockCount[k] + 1) : std::uint8_t { 0 };
-        previousSum[k] = current;
-    }
+    return { .channels = { buffers (0), buffers (1) },
+             .channelCount = static_cast<std::size_t> (channelCount),
+             .binCount = static_cast<std::size_t> (binCount),
+             .activeBins = static_cast<std::size_t> (activeBins),
+             .onsetThreshold = resources->tables.onsetThreshold.data(),
+             .sum = magnitudeSum.data(),
+             .lockCount = lockCount.data() };
 }
 
 void PitchShiftEngine::spreadResetsOverPeaks() noexcept
 {
-    const auto* sum = previousSum.data(); // the current frame's by now
+    const auto* sum = magnitudeSum.data();
     const auto* locks = lockCount.data();
-    const auto lowestBin = tables.peakStartBin;
+    const auto lowestBin = resources->tables.peakStartBin;
 
     for (int k = 2; static_cast<float> (k) < lowestBin;)
     {
-        const auto onsetOnPeak = locks[k] == 0 && sum[k - 1] < sum[k] && sum[k - 1] > sum[k - 2] && sum[k + 1] < sum[k]
+        const auto onsetOnPeak = locks[k] == 0.0f && sum[k - 1] < sum[k] && sum[k - 1] > sum[k - 2] && sum[k + 1] < sum[k]
                                  && sum[k + 1] > sum[k + 2];
         k = onsetOnPeak ? resetUpwards (k) : k + 1;
     }
 
-    for (int k = static_cast<int> (lowestBin); k < activeBins - 2;)
+    const auto nextPeak = [=, end = activeBins - 2] (int bin)
     {
-        const auto onsetOnPeak = locks[k] == 0 && sum[k] > sum[k - 1] && sum[k] > sum[k + 1];
+        return bin < end ? static_cast<int> (kernels::nextResetPeak (locks, sum, static_cast<std::size_t> (bin),
+                                                                     static_cast<std::size_t> (end)))
+                         : end;
+    };
 
-        if (onsetOnPeak)
-            resetDownwards (k, lowestBin);
-
-        k = onsetOnPeak ? resetUpwards (k) : k + 1;
-    }
+    for (auto k = nextPeak (static_cast<int> (lowestBin)); k < activeBins - 2; k = nextPeak (resetUpwards (k)))
+        resetDownwards (k, lowestBin);
 }
 
 /** Resets the bins above a peak as far as they fall. Returns the bin where that ends: it is the next one to be examined. */
@@ -170,8 +84,8 @@ int PitchShiftEngine::resetUpwards (int bin) noexcept
 {
     auto j = static_cast<std::size_t> (bin) + 1;
 
-    for (; static_cast<int> (j) < activeBins - 1 && previousSum[j - 1] > previousSum[j]; ++j)
-        lockCount[j] = 0;
+    for (; static_cast<int> (j) < activeBins - 1 && magnitudeSum[j - 1] > magnitudeSum[j]; ++j)
+        lockCount[j] = 0.0f;
 
     return static_cast<int> (j);
 }
@@ -182,74 +96,23 @@ void PitchShiftEngine::resetDownwards (int bin, float lowestBin) noexcept
     {
         const auto k = static_cast<std::size_t> (j);
 
-        if (previousSum[k + 1] <= previousSum[k])
+        if (magnitudeSum[k + 1] <= magnitudeSum[k])
             return;
 
-        lockCount[k] = 0;
+        lockCount[k] = 0.0f;
     }
-}
-
-void PitchShiftEngine::advancePhases() noexcept
-{
-    for (int c = 0; c < channelCount; ++c)
-    {
-        auto& channel = channelState[static_cast<std::size_t> (c)];
-        const SpectrumView spectrum (channel.lowFrame.data(), binCount);
-        const SpectrumView advance (channel.advance.data(), binCount);
-        const SpectrumView lastPhasor (channel.lastPhasor.data(), binCount);
-
-        for (int k = 0; k < activeBins; ++k)
-        {
-            auto& locked = lockCount[static_cast<std::size_t> (k)];
-            const auto gain = 1.0f / (channel.magnitude[static_cast<std::size_t> (k)] + denormalGuard);
-            const auto phasor = spectrum.get (k).scaled (gain);
-            auto turned = phasor;
-
-            if (locked != 0)
-            {
-                turned = phasor.timesConjugate (lastPhasor.get (k));
-
-                // The count is shared: restarting it here leaves the second channel's advance as it is.
-                if (locked == renormaliseAdvanceAt)
-                {
-                    turned = turned.normalised();
-                    locked = 1;
-                }
-            }
-
-            advance.set (k, turned);
-            lastPhasor.set (k, phasor);
-        }
-
-        for (int k = activeBins; k < binCount; ++k)
-        {
-            advance.set (k, { 1.0f, 0.0f });
-            lastPhasor.set (k, { 1.0f, 0.0f });
-        }
-    }
-
-    std::fill (lockCount.begin() + activeBins, lockCount.end(), std::uint8_t { 0 });
 }
 
 void PitchShiftEngine::warpEnvelope() noexcept
 {
-    auto* envelope = sumScratch.data();
-    envelope[binCount] = envelopeSentinel;
+    auto &left = channelState[0], &right = channelState[1];
 
-    for (int c = 0; c < channelCount; ++c)
-    {
-        auto& channel = channelState[static_cast<std::size_t> (c)];
-        std::copy_n (channel.magnitude.begin(), binCount, envelope);
-        smoothIntoEnvelope (envelope, tables.envelopeCoeff.data(), binCount);
-
-        for (int k = 0; k < binCount; ++k)
-        {
-            const auto position = static_cast<float> (k) * formantRatio;
-            const auto flattened = channel.magnitude[static_cast<std::size_t> (k)] / envelope[k];
-            channel.shapedMagnitude[static_cast<std::size_t> (k)] =
-                flattened
-                * (position < static_cast<float> (binCount) ? interpolated (envelope, position) : envelopeBeyondTop);
-        }
-    }
+    kernels::warpEnvelope ({ .magnitudes = { left.magnitude.data(), right.magnitude.data() },
+                             .shaped = { left.shapedMagnitude.data(), right.shapedMagnitude.data() },
+                             .channelCount = static_cast<std::size_t> (channelCount),
+                             .binCount = static_cast<std::size_t> (binCount),
+                             .coefficients = resources->tables.envelopeCoeff.data(),
+                             .ratio = formantRatio,
+                             .envelopes = resources->envelopes.data() });
 }
 } // namespace tarvelline

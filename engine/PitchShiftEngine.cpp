@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <utility>
 
 namespace tarvelline
 {
@@ -18,6 +19,12 @@ constexpr float maximumRatio = 96.0f;
 constexpr float minimumFormantRatio = 0.001f; // in place of a negative one
 constexpr float loudestSample = 1.0e4f;       // +80 dBFS: no signal, and its square would soon leave single precision
 
+/** Written so that a NaN, for which every comparison is false, ends at the lower bound. */
+float heldToRange (float ratio) noexcept
+{
+    return ratio >= minimumRatio ? std::min (ratio, maximumRatio) : minimumRatio;
+}
+
 int scaledLength (int length, float factor) noexcept { return static_cast<int> (static_cast<float> (length) * factor); }
 
 /** What is no sample of any signal counts as silence: an infinity would stay in the running phasors for ever. */
@@ -26,29 +33,30 @@ float signalOrSilence (float sample) noexcept { return std::abs (sample) <= loud
 
 void PitchShiftEngine::prepare (int frameLength, float frequencyScale, float sampleRate)
 {
+    prepare (std::make_shared<EngineResources> (frameLength, frequencyScale, sampleRate));
+}
+
+void PitchShiftEngine::prepare (std::shared_ptr<EngineResources> shared)
+{
     ready = false;
-    frameSize = frameLength;
+    resources = std::move (shared);
+    frameSize = resources->transform.getLength();
     inRingMask = frameSize - 1;
     outRingMask = 2 * frameSize - 1;
     binCount = frameSize / 2;
     outputGain = resynthesisGain / static_cast<float> (frameSize);
 
-    transform.init (frameSize);
-    tables = EngineTables (frameSize, frequencyScale, sampleRate);
-
-    const auto n = static_cast<std::size_t> (frameSize), k = n / 2;
-    ratioHistory.resize (n);
+    const auto n = static_cast<std::size_t> (frameSize), k = n / 2, more = static_cast<std::size_t> (readAhead);
+    ratioHistory.resize (2 * n);
     lockCount.resize (k);
-    previousSum.resize (k);
-    sumScratch.resize (k + 1);
+    magnitudeSum.resize (k);
+    wideOverSpan.resize (n);
+    narrowOverSpan.resize (n);
 
     for (auto& channel : channelState)
     {
-        channel.inRing.resize (n);
+        channel.inRing.resize (2 * n + more);
         channel.outRing.resize (2 * n);
-
-        for (auto* frame : { &channel.lowFrame, &channel.highFrame })
-            frame->resize (n + 1);
 
         for (auto* perBin : { &channel.magnitude, &channel.shapedMagnitude })
             perBin->resize (k);
@@ -69,6 +77,8 @@ void PitchShiftEngine::prepare (int frameLength, float frequencyScale, float sam
     synthesisHop = scaledLength (synthesisSpan, hopShare);
     overlapLength = frameSize - analysisHop;
     activeBins = binCount;
+    windowedSpan = 0; // of other tables
+    resampleWindows();
     ready = true;
 }
 
@@ -77,13 +87,13 @@ void PitchShiftEngine::reset() noexcept
     const auto clear = [] (auto& buffer) { std::fill (buffer.begin(), buffer.end(), 0.0f); };
 
     std::fill (ratioHistory.begin(), ratioHistory.end(), requestedRatio);
-    std::fill (lockCount.begin(), lockCount.end(), std::uint8_t { 0 });
-    clear (previousSum);
-    clear (sumScratch);
+    unityRun = requestedRatio == 1.0f ? frameSize : 0;
+    clear (lockCount);
+    clear (magnitudeSum);
 
     for (auto& channel : channelState)
-        for (auto* buffer : { &channel.inRing, &channel.outRing, &channel.lowFrame, &channel.highFrame,
-                              &channel.magnitude, &channel.shapedMagnitude, &channel.advance, &channel.lastPhasor })
+        for (auto* buffer : { &channel.inRing, &channel.outRing, &channel.magnitude, &channel.shapedMagnitude,
+                              &channel.advance, &channel.lastPhasor })
             clear (*buffer); // synthPhasor stays: with every bin unlocked the next frame overwrites it
 
     analysisCounter = synthesisCounter = 0;
@@ -91,34 +101,79 @@ void PitchShiftEngine::reset() noexcept
 
 void PitchShiftEngine::setRatios (float pitchRatio, float newFormantRatio) noexcept
 {
-    // Written so that a NaN, for which every comparison is false, ends at the lower bound.
-    requestedRatio = pitchRatio >= minimumRatio ? std::min (pitchRatio, maximumRatio) : minimumRatio;
+    requestedRatio = heldToRange (pitchRatio);
     formantRatio = newFormantRatio >= 0.0f ? newFormantRatio : minimumFormantRatio;
 }
 
 void PitchShiftEngine::processFrame (const float* in, float* out, int channels) noexcept
 {
-    assert (ready && channels >= 1 && channels <= maxChannels);
-    channelCount = channels;
-    ratioHistory[static_cast<std::size_t> (inPos)] = requestedRatio;
+    const float* const inputs[] = { in, in + channels - 1 };
+    float* const outputs[] = { out, out + channels - 1 };
+    process ({ &requestedRatio, &formantRatio, inputs, outputs, channels, 1 });
+}
+
+void PitchShiftEngine::process (const EngineRun& run) noexcept
+{
+    assert (ready && run.channels >= 1 && run.channels <= maxChannels);
+    channelCount = run.channels;
+
+    for (int done = 0; done < run.count;)
+    {
+        const auto count = std::min (samplesToBoundary(), run.count - done);
+        exchangeSamples (run, done, count);
+        done += count;
+        setRatios (run.pitchRatios[done - 1], run.formantRatios[done - 1]);
+        advance (count);
+    }
+}
+
+/** Up to the next frame, or to the end of a ring. At least 1: a hop may have become shorter than the time since a frame. */
+int PitchShiftEngine::samplesToBoundary() const noexcept
+{
+    const auto toFrame = std::min (analysisHop - analysisCounter, synthesisHop - synthesisCounter);
+    return std::min (std::max (toFrame, 1), frameSize - inPos);
+}
+
+void PitchShiftEngine::exchangeSamples (const EngineRun& run, int first, int count) noexcept
+{
+    auto* ratios = ratioHistory.data() + inPos;
+
+    for (int i = 0; i < count; ++i)
+    {
+        ratios[i] = ratios[i + frameSize] = heldToRange (run.pitchRatios[first + i]);
+        unityRun = ratios[i] == 1.0f ? unityRun + 1 : 0;
+    }
+
+    unityRun = std::min (unityRun, frameSize);
 
     for (int c = 0; c < channelCount; ++c)
     {
         auto& channel = channelState[static_cast<std::size_t> (c)];
-        channel.inRing[static_cast<std::size_t> (inPos)] = signalOrSilence (in[c]);
-        out[c] = channel.outRing[static_cast<std::size_t> ((outPos - frameSize) & outRingMask)];
+        const auto* in = run.in[c] + first;
+        auto* ring = channel.inRing.data() + inPos;
+
+        for (int i = 0; i < count; ++i)
+            ring[i] = ring[i + frameSize] = signalOrSilence (in[i]);
+
+        std::copy_n (channel.outRing.data() + ((outPos - frameSize) & outRingMask), count, run.out[c] + first);
     }
+}
 
-    outPos = (outPos + 1) & outRingMask;
-    inPos = (inPos + 1) & inRingMask;
+/** Moves the cursors on, and makes the frames that are due. */
+void PitchShiftEngine::advance (int samples) noexcept
+{
+    outPos = (outPos + samples) & outRingMask;
+    inPos = (inPos + samples) & inRingMask;
+    analysisCounter += samples;
+    synthesisCounter += samples;
 
-    if (++analysisCounter >= analysisHop)
+    if (analysisCounter >= analysisHop)
     {
         analysisCounter = 0;
         analyseFrame();
     }
 
-    if (++synthesisCounter >= synthesisHop)
+    if (synthesisCounter >= synthesisHop)
     {
         synthesisCounter = 0;
         synthesiseFrame();
@@ -140,6 +195,7 @@ void PitchShiftEngine::updateRatio() noexcept
         compressSynthesis (appliedRatio);
 
     clearOutput (std::min (oldSpan, synthesisSpan), std::max (oldSpan, synthesisSpan));
+    resampleWindows();
 }
 
 void PitchShiftEngine::stretchAnalysis (float ratio) noexcept

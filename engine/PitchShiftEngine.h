@@ -2,17 +2,27 @@
 #pragma once
 
 #include "engine/AlignedVector.h"
-#include "engine/EngineTables.h"
-#include "engine/HartleyTransform.h"
+#include "engine/AnalysisKernels.h"
+#include "engine/EngineResources.h"
 
 #include <array>
-#include <cstdint>
+#include <memory>
 
 namespace tarvelline
 {
+/** A run of samples through one engine: one value a sample in every array. */
+struct EngineRun
+{
+    const float *pitchRatios, *formantRatios; // as setRatios() takes them
+    const float* const* in;                   // a pointer a channel, as is out; the two do not overlap
+    float* const* out;
+    int channels; // 1 or 2
+    int count;
+};
+
 /** Shifts the pitch of one or two channels by any ratio, and their spectral envelope by another.
 
-    A phase vocoder with eightfold overlap, driven one sample at a time: every hop (N / 8 samples at ratio 1) a frame is
+    A phase vocoder with eightfold overlap, driven sample by sample: every hop (N / 8 samples at ratio 1) a frame is
     analysed, its bins' phases are carried on, and the frame is overlap-added, resampled by the pitch ratio. Upwards the
     resynthesised frame is read back compressed; downwards the analysis reads its oldest N * ratio samples stretched over
     the frame. Below about 650 Hz the whole frame is heard, above it only the middle quarter, which keeps transients sharp.
@@ -21,10 +31,10 @@ namespace tarvelline
             (1 + i) times its Fourier coefficient.
     Units: ratios are frequency out / frequency in (2 = an octave up); samples nominally -1 .. 1.
     Latency: N samples, whatever the ratio. Gain: about 1.04 on a steady signal at ratio 1.
-    Threads: prepare() and reset() while audio is stopped; setRatios() and processFrame() on the audio thread.
-    Real time: processFrame() never allocates, locks or throws. It costs O(channels), and once a hop one forward or two
-            inverse transforms a channel; all memory comes from prepare().
-    Errors: none reported. setRatios() clamps; calling processFrame() unprepared is a caller's fault (asserted). A sample
+    Threads: prepare() and reset() while audio is stopped; setRatios(), process() and processFrame() on the audio thread.
+    Real time: processing never allocates, locks or throws. A sample costs O(channels), and once a hop there are one
+            forward or two inverse transforms a channel; all memory comes from prepare().
+    Errors: none reported. Ratios are clamped; processing unprepared is a caller's fault (asserted). A sample
             that is not finite, or beyond +-1e4, counts as 0.
 
     Sources: Flanagan and Golden, "Phase vocoder", Bell Syst. Tech. J. 45(9), 1966: magnitude and phase advance a bin.
@@ -43,6 +53,9 @@ public:
         @param sampleRate      Hz */
     void prepare (int frameLength, float frequencyScale, float sampleRate);
 
+    /** The same with what it shares with other engines of that frame length and rate. */
+    void prepare (std::shared_ptr<EngineResources> shared);
+
     /** Clears all signal state, keeps ratios and memory. */
     void reset() noexcept;
 
@@ -53,19 +66,27 @@ public:
         A NaN counts as below. The pitch ratio takes effect inside the next frame, its geometry at the next frame boundary. */
     void setRatios (float pitchRatio, float newFormantRatio) noexcept;
 
-    /** One sample a channel in, one out, N samples later. `channels` is 1 or 2. */
+    /** A run of samples in, as many out, N samples later: the same to the bit as setRatios() and processFrame() for each
+        of them, and much cheaper. */
+    void process (const EngineRun&) noexcept;
+
+    /** One sample a channel in, one out, at the ratios set. `channels` is 1 or 2. */
     void processFrame (const float* in, float* out, int channels) noexcept;
 
 private:
     struct Channel
     {
-        AlignedVector<float> inRing;              // N
+        AlignedVector<float> inRing;              // 2 N: every sample twice, N apart, so that a frame is one run; and readAhead
         AlignedVector<float> outRing;             // 2 N
-        AlignedVector<float> lowFrame, highFrame; // N + 1: transform buffers and one entry to interpolate into
         AlignedVector<float> magnitude;           // K: of the last analysis frame
         AlignedVector<float> shapedMagnitude;     // K: with the envelope warped
         AlignedVector<float> advance, lastPhasor, synthPhasor; // N: unit phasors, pair layout
     };
+
+    // Samples in and out (PitchShiftEngine.cpp)
+    int samplesToBoundary() const noexcept;
+    void exchangeSamples (const EngineRun&, int first, int count) noexcept;
+    void advance (int samples) noexcept;
 
     // Ratio and geometry (PitchShiftEngine.cpp)
     void updateRatio() noexcept;
@@ -76,20 +97,17 @@ private:
     // Analysis frame (PitchShiftAnalysis.cpp)
     void analyseFrame() noexcept;
     void readWindowedInput() noexcept;
-    void readStretchedInput (Channel&) const noexcept;
-    void measureMagnitudes() noexcept;
-    void detectOnsets() noexcept;
     void spreadResetsOverPeaks() noexcept;
     int resetUpwards (int bin) noexcept;
     void resetDownwards (int bin, float lowestBin) noexcept;
-    void advancePhases() noexcept;
     void warpEnvelope() noexcept;
+    kernels::AnalysisBins analysisBins() noexcept;
 
     // Synthesis frame (PitchShiftSynthesis.cpp)
     void synthesiseFrame() noexcept;
-    void runPhasors (Channel&) const noexcept;
-    void overlapAddCompressed (Channel&) const noexcept;
-    void overlapAddStretched (Channel&) const noexcept;
+    void turnPhasors (std::size_t channel) noexcept;
+    void overlapAdd (std::size_t channel) noexcept;
+    void resampleWindows() noexcept;
 
     int frameSize = 0;   // N
     int binCount = 0;    // K
@@ -113,13 +131,17 @@ private:
     int analysisCounter = 0, synthesisCounter = 0; // samples since the last frame
     int channelCount = maxChannels;
 
-    AlignedVector<float> ratioHistory;     // N: the ratio asked for at every input position
-    AlignedVector<std::uint8_t> lockCount; // K: frames for which a bin has stayed stable; 0 = phase reset
-    AlignedVector<float> previousSum;      // K: magnitude over channels in the last analysis frame
-    AlignedVector<float> sumScratch;       // K + 1: the current one; then the envelope
+    AlignedVector<float> ratioHistory; // 2 N, as inRing: the ratio asked for at every input position
+    int unityRun = 0;                  // samples, at most N, for which that ratio has been exactly 1
+    AlignedVector<float> lockCount;    // K: frames for which a bin has stayed stable; 0 = phase reset
+    AlignedVector<float> magnitudeSum; // K: over channels, in the last analysis frame
 
-    EngineTables tables;
-    HartleyTransform transform { 4 }; // a placeholder until prepare() knows N
+    // The windows at each output sample of a frame whose span is not N
+    AlignedVector<float> wideOverSpan, narrowOverSpan; // N
+    int narrowStart = 0, narrowEnd = 0;                // where the narrow one is not 0
+    int windowedSpan = 0;                              // the span they are made for
+
+    std::shared_ptr<EngineResources> resources;
     std::array<Channel, maxChannels> channelState;
 };
 } // namespace tarvelline

@@ -1,106 +1,101 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The synthesis frame: each bin's phasor turned on by its advance, transformed back and overlap-added at the pitch ratio.
 #include "engine/PitchShiftEngine.h"
-#include "engine/Spectrum.h"
+#include "engine/SynthesisKernels.h"
 
 namespace tarvelline
 {
 void PitchShiftEngine::synthesiseFrame() noexcept
 {
-    for (int c = 0; c < channelCount; ++c)
+    for (std::size_t c = 0; c < static_cast<std::size_t> (channelCount); ++c)
     {
-        auto& channel = channelState[static_cast<std::size_t> (c)];
-        runPhasors (channel);
-        transform.inverse (channel.lowFrame.data());
-        transform.inverse (channel.highFrame.data());
-
-        if (appliedRatio < 1.0f)
-            overlapAddStretched (channel);
-        else
-            overlapAddCompressed (channel);
+        turnPhasors (c);
+        resources->transform.inverse (resources->low[c].data());
+        resources->transform.inverse (resources->high[c].data());
+        overlapAdd (c);
     }
 }
 
-void PitchShiftEngine::runPhasors (Channel& channel) const noexcept
+void PitchShiftEngine::turnPhasors (std::size_t c) noexcept
 {
+    auto& channel = channelState[c];
     const auto& magnitude = appliedFormantRatio != 1.0f ? channel.shapedMagnitude : channel.magnitude;
-    const SpectrumView advance (channel.advance.data(), binCount);
-    const SpectrumView phasors (channel.synthPhasor.data(), binCount);
-    const SpectrumView low (channel.lowFrame.data(), binCount);
-    const SpectrumView high (channel.highFrame.data(), binCount);
 
-    for (int k = 0; k < activeBins; ++k)
-    {
-        const auto bin = static_cast<std::size_t> (k);
-        auto phasor = advance.get (k);
-
-        if (lockCount[bin] != 0)
-            phasor = phasors.get (k).times (phasor);
-
-        if (lockCount[bin] == renormaliseSynthesisAt)
-            phasor = phasor.normalised();
-
-        phasors.set (k, phasor);
-
-        const auto gain = outputGain * magnitude[bin];
-        const auto weight = tables.lowBandWeight[bin];
-        low.set (k, phasor.scaled (gain * weight));
-        high.set (k, phasor.scaled (gain * (1.0f - weight)));
-    }
-
-    for (int k = activeBins; k < binCount; ++k)
-    {
-        low.set (k, { 0.0f, 0.0f });
-        high.set (k, { 0.0f, 0.0f });
-    }
+    kernels::turnPhasors ({ .magnitude = magnitude.data(),
+                            .advance = channel.advance.data(),
+                            .lockCount = lockCount.data(),
+                            .lowBandWeight = resources->tables.lowBandWeight.data(),
+                            .phasor = channel.synthPhasor.data(),
+                            .low = resources->low[c].data(),
+                            .high = resources->high[c].data(),
+                            .binCount = static_cast<std::size_t> (binCount),
+                            .activeBins = static_cast<std::size_t> (activeBins),
+                            .gain = outputGain });
 }
 
-/** Ratio 1 and above: the frame is read back faster than it was made, by the ratio asked for at each sample. */
-void PitchShiftEngine::overlapAddCompressed (Channel& channel) const noexcept
+void PitchShiftEngine::overlapAdd (std::size_t c) noexcept
 {
-    const auto length = static_cast<float> (frameSize);
-    const auto windowStep = length / static_cast<float> (synthesisSpan);
-    const auto base = outPos - frameSize;
-    auto windowIndex = 0.0f; // summed in single precision; stays at or below N for every span
+    const auto& tables = resources->tables;
+    const auto wholeFrame = synthesisSpan == frameSize;
+    const auto ringStart = (outPos - frameSize) & outRingMask;
 
-    for (int j = 0; j < synthesisSpan; ++j, windowIndex += windowStep)
+    kernels::OverlapAdd job { .low = resources->low[c].data(),
+                              .high = resources->high[c].data(),
+                              .ratios = nullptr,
+                              .wide = wholeFrame ? tables.wideWindow.data() : wideOverSpan.data(),
+                              .narrow = wholeFrame ? tables.narrowWindow.data() : narrowOverSpan.data(),
+                              .narrowStart = static_cast<std::size_t> (narrowStart),
+                              .narrowEnd = static_cast<std::size_t> (narrowEnd),
+                              .length = static_cast<std::size_t> (frameSize),
+                              .span = static_cast<std::size_t> (synthesisSpan),
+                              .overlap = static_cast<std::size_t> (overlapLength),
+                              .ring = channelState[c].outRing.data(),
+                              .ringStart = static_cast<std::size_t> (ringStart) };
+
+    if (appliedRatio < 1.0f)
     {
-        const auto ratio = ratioHistory[static_cast<std::size_t> ((inPos - synthesisSpan + j) & inRingMask)];
-        const auto position = static_cast<float> (j) * ratio;
-        const auto window = static_cast<std::size_t> (windowIndex);
-        auto& sample = channel.outRing[static_cast<std::size_t> ((base + j) & outRingMask)];
-
-        if (j >= overlapLength) // no earlier frame reaches this far
-            sample = 0.0f;
-
-        if (position < length)
-        {
-            sample += interpolated (channel.lowFrame.data(), position) * tables.wideWindow[window];
-            sample += interpolated (channel.highFrame.data(), position) * tables.narrowWindow[window];
-        }
+        // The analysis has stretched the frame already. The history is indexed from the output cursor, not the input's
+        // as below: both move together, only other history is consulted.
+        job.ratios = ratioHistory.data() + (ringStart & inRingMask);
+        kernels::overlapAddDirect (job);
+        return;
     }
+
+    // The frame is read back faster than it was made, by the ratio asked for at each sample.
+    job.ratios = ratioHistory.data() + inPos + frameSize - synthesisSpan;
+
+    if (unityRun >= synthesisSpan)
+        kernels::overlapAddDirect (job);
+    else
+        kernels::overlapAddInterpolated (job);
 }
 
-/** Ratios below 1: the analysis has stretched the frame already; its span is the whole frame. */
-void PitchShiftEngine::overlapAddStretched (Channel& channel) const noexcept
+/** Lays the windows over the synthesis span. Their running index is summed in single precision; it stays at or below N. */
+void PitchShiftEngine::resampleWindows() noexcept
 {
-    const auto length = static_cast<float> (frameSize);
-    const auto base = outPos - frameSize;
+    if (synthesisSpan == windowedSpan)
+        return;
 
-    for (int j = 0; j < frameSize; ++j)
+    const auto& tables = resources->tables;
+    windowedSpan = synthesisSpan;
+    narrowStart = tables.narrowStart;
+    narrowEnd = tables.narrowEnd;
+
+    if (synthesisSpan == frameSize)
+        return;
+
+    const auto step = static_cast<float> (frameSize) / static_cast<float> (synthesisSpan);
+    const auto inner = static_cast<std::size_t> (tables.narrowStart), outer = static_cast<std::size_t> (tables.narrowEnd);
+    auto index = 0.0f;
+    narrowStart = narrowEnd = 0;
+
+    for (int j = 0; j < synthesisSpan; ++j, index += step)
     {
-        // Indexed from the output cursor, not the input's as above: both move together, only other history is consulted.
-        const auto ratio = ratioHistory[static_cast<std::size_t> ((base + j) & inRingMask)];
-        const auto index = static_cast<std::size_t> (j);
-        auto& sample = channel.outRing[static_cast<std::size_t> ((base + j) & outRingMask)];
-
-        if (j >= overlapLength)
-            sample = 0.0f;
-
-        if (static_cast<float> (j) * ratio < length)
-            sample += channel.lowFrame[index] * tables.wideWindow[index];
-
-        sample += channel.highFrame[index] * tables.narrowWindow[index];
+        const auto entry = static_cast<std::size_t> (index), at = static_cast<std::size_t> (j);
+        wideOverSpan[at] = tables.wideWindow[entry];
+        narrowOverSpan[at] = tables.narrowWindow[entry];
+        narrowStart += entry < inner ? 1 : 0;
+        narrowEnd += entry < outer ? 1 : 0;
     }
 }
 } // namespace tarvelline

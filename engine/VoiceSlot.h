@@ -19,4 +19,20 @@ struct VoiceSlot
 
 inline constexpr int voiceCount = 8;
 using VoiceSlots = std::array<VoiceSlot, voiceCount>;
+
+/** The longest run of samples that is worked on at once: the wheels move first, then the engines sound, then all is mixed.
+    Long enough that starting a run costs nothing, short enough that its arrays stay in the nearest cache. */
+inline constexpr int longestRun = 128;
+
+/** How the voices sound over a run of samples. A voice that ends within the run is active up to there. */
+struct VoiceLevels
+{
+    struct Voice
+    {
+        int activeSamples = 0;                // from the run's first one
+        std::array<float, longestRun> levels; // of those samples
+    };
+
+    std::array<Voice, voiceCount> voices;
+};
 } // namespace tarvelline

@@ -24,71 +24,137 @@ enum MidiStatus : int
 };
 } // namespace
 
+/** Some samples of a block on their way: the wheels have moved, the engines sound, all is mixed. */
+struct TarvellineAudioProcessor::Run
+{
+    Run (juce::AudioBuffer<float>& buffer, int start, int length)
+        : channels (std::min (buffer.getNumChannels(), maxChannels)), count (length)
+    {
+        for (int c = 0; c < channels; ++c)
+            samples[static_cast<std::size_t> (c)] = buffer.getWritePointer (c, start);
+    }
+
+    int channels, count;
+    bool transpose = true;
+    std::array<float*, maxChannels> samples {};                         // of the block
+    std::array<float, longestRun> pitch, timbre;                        // semitones, after each sample's step
+    std::array<std::array<float, longestRun>, maxChannels> wet {};      // what the engines gave
+};
+
 void TarvellineAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi)
 {
     const juce::ScopedNoDenormals flushDenormals;
 
-    const double mainPosition = currentValue (parameters, parameterId::mainWheelPar);
-    const double timbPosition = currentValue (parameters, parameterId::timbWheelPar);
-    const auto mix = currentValue (parameters, parameterId::mixerPar);
-    setTimbreInUse (currentValue (parameters, parameterId::toggleSize) != 0.0f);
+    const double mainPosition = currentValue (*blockParameters.mainWheel);
+    const double timbPosition = currentValue (*blockParameters.timbWheel);
+    const auto mix = currentValue (*blockParameters.mixer);
+    setTimbreInUse (currentValue (*blockParameters.toggleSize) != 0.0f);
 
-    const auto channels = std::min (buffer.getNumChannels(), maxChannels);
-    auto* const* samples = buffer.getArrayOfWritePointers();
     auto event = midi.cbegin();
-    const auto handleNextEvent = [this, &event, end = midi.cend()]
+    const auto lastEvent = midi.cend();
+    const auto handleNextEvent = [this, &event, lastEvent]
     {
-        if (event == end)
+        if (event == lastEvent)
             return;
 
         handleMidiEvent ((*event).data, (*event).numBytes);
         ++event;
     };
 
-    for (int i = 0; i < buffer.getNumSamples(); ++i)
+    for (int done = 0; done < buffer.getNumSamples();)
     {
-        smoothTarget (mainWheel, mainPosition);
-        smoothTarget (timbWheel, timbPosition);
-        handleNextEvent(); // one a sample, whatever its own position in the block
-        movePoint (mainWheel);
-        movePoint (timbWheel);
+        Run run { buffer, done, std::min (buffer.getNumSamples() - done, longestRun) };
 
-        std::array<float, maxChannels> dry {}, wet {};
-
-        for (int c = 0; c < channels; ++c)
-            dry[static_cast<std::size_t> (c)] = samples[c][i];
-
-        const bool transpose = midiTransposeMode;
-
-        if (transpose)
-            voices.slots[0].semitones = 0.0f;
-        else
-            voices.advanceLevels();
-
-        const float pitch = mainWheel.semitones, timbre = timbWheel.semitones;
-
-        if (engine.isReady())
-            engine.processFrame ({ pitch, timbre, transpose, toggleSizeOn }, voices.slots, dry.data(), wet.data(),
-                                 channels);
-
-        advanceFades (transpose && std::abs (pitch) < restSemitones && std::abs (timbre) < restSemitones);
-
-        for (int c = 0; c < channels; ++c)
+        if (event != lastEvent) // one a sample, whatever its own position in the block, between the parts of a step
         {
-            const auto channel = static_cast<std::size_t> (c);
-            samples[c][i] = mixSample (wet[channel], engine.delayDry (c, dry[channel]), mix);
+            run.count = 1;
+            smoothTarget (mainWheel, mainPosition);
+            smoothTarget (timbWheel, timbPosition);
+            handleNextEvent();
+            movePoint (mainWheel);
+            movePoint (timbWheel);
+            run.pitch[0] = mainWheel.semitones;
+            run.timbre[0] = timbWheel.semitones;
         }
+        else
+        {
+            moveWheel (mainWheel, mainPosition, run.pitch.data(), run.count);
+            moveWheel (timbWheel, timbPosition, run.timbre.data(), run.count);
+        }
+
+        shiftRun (run);
+        mixRun (run, mix);
+        done += run.count;
     }
 
     handleNextEvent(); // one more after the last sample; what is left then is dropped
     midi.clear();
 }
 
+/** Lets the engines sound the run, out of `samples` into `wet`. */
+void TarvellineAudioProcessor::shiftRun (Run& run) noexcept
+{
+    VoiceLevels levels;
+    run.transpose = midiTransposeMode;
+
+    if (run.transpose)
+        voices.slots[0].semitones = 0.0f;
+    else
+        voices.advanceLevels (levels, run.count);
+
+    float* const wet[] = { run.wet[0].data(), run.wet[1].data() };
+
+    if (engine.isReady() && run.channels > 0)
+        engine.process ({ run.pitch.data(), run.timbre.data(), run.transpose, toggleSizeOn, run.samples.data(), wet,
+                          run.channels, run.count },
+                        voices.slots, levels);
+}
+
+/** Replaces the run's samples by the mix of what the engines made of them with the delayed input. */
+void TarvellineAudioProcessor::mixRun (Run& run, float mix) noexcept
+{
+    std::array<float, longestRun> gains, crossfades;
+    const auto gainStep = outputFadesPerSecond / sampleRate, crossfadeStep = dryFadesPerSecond / sampleRate;
+    const float startGain = outputGain;
+    auto gain = startGain;
+
+    for (int i = 0; i < run.count; ++i)
+    {
+        const auto sample = static_cast<std::size_t> (i);
+        gain = gain < 1.0f ? std::min (gain + gainStep, 1.0f) : gain;
+        gains[sample] = gain;
+
+        // Both wheels exactly in the centre, in transpose mode: the dry signal takes over.
+        const auto atRest = run.transpose && std::abs (run.pitch[sample]) < restSemitones
+                            && std::abs (run.timbre[sample]) < restSemitones;
+        dryCrossfade = atRest ? std::min (dryCrossfade + crossfadeStep, 1.0f) : std::max (dryCrossfade - crossfadeStep, 0.0f);
+        crossfades[sample] = dryCrossfade;
+    }
+
+    if (gain != startGain) // otherwise the editor may be restarting the fade at this moment
+        outputGain = gain;
+
+    for (int c = 0; c < run.channels; ++c)
+    {
+        auto* samples = run.samples[static_cast<std::size_t> (c)];
+        const auto* wet = run.wet[static_cast<std::size_t> (c)].data();
+        engine.delayDry (c, samples, run.count);
+
+        for (int i = 0; i < run.count; ++i)
+        {
+            const auto crossfade = crossfades[static_cast<std::size_t> (i)];
+
+            // The larger of the two shares: the dry signal does not dip while one hands over to the other.
+            const auto dryShare = std::max (1.0f - mix, crossfade);
+            samples[i] = ((1.0f - crossfade) * wet[i] * mix + dryShare * samples[i]) * gains[static_cast<std::size_t> (i)];
+        }
+    }
+}
+
 void TarvellineAudioProcessor::processBlockBypassed (juce::AudioBuffer<float>& buffer, juce::MidiBuffer&)
 {
     for (int c = 0; c < std::min (buffer.getNumChannels(), maxChannels); ++c)
-        for (auto *sample = buffer.getWritePointer (c), *end = sample + buffer.getNumSamples(); sample != end; ++sample)
-            *sample = engine.delayDry (c, *sample);
+        engine.delayDry (c, buffer.getWritePointer (c), buffer.getNumSamples());
 }
 
 void TarvellineAudioProcessor::setTimbreInUse (bool shouldBeInUse) noexcept
@@ -97,23 +163,6 @@ void TarvellineAudioProcessor::setTimbreInUse (bool shouldBeInUse) noexcept
         reanchor (timbWheel);
 
     toggleSizeOn = shouldBeInUse;
-}
-
-/** @param wheelsAtRest  both wheels exactly in the centre, in transpose mode: the dry signal takes over */
-void TarvellineAudioProcessor::advanceFades (bool wheelsAtRest) noexcept
-{
-    if (const float gain = outputGain; gain < 1.0f)
-        outputGain = std::min (gain + outputFadesPerSecond / sampleRate, 1.0f);
-
-    const auto step = dryFadesPerSecond / sampleRate;
-    dryCrossfade = wheelsAtRest ? std::min (dryCrossfade + step, 1.0f) : std::max (dryCrossfade - step, 0.0f);
-}
-
-float TarvellineAudioProcessor::mixSample (float wet, float dry, float mix) const noexcept
-{
-    // The larger of the two shares: the dry signal does not dip while one hands over to the other.
-    const auto dryShare = std::max (1.0f - mix, dryCrossfade);
-    return ((1.0f - dryCrossfade) * wet * mix + dryShare * dry) * outputGain;
 }
 
 void TarvellineAudioProcessor::handleMidiEvent (const juce::uint8* data, int size) noexcept

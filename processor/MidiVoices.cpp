@@ -61,26 +61,41 @@ void MidiVoices::release (int noteNumber) noexcept
     keysChanged = true;
 }
 
-void MidiVoices::advanceLevels() noexcept
+void MidiVoices::advanceLevels (VoiceLevels& levels, int count) noexcept
 {
-    for (auto& slot : slots)
+    for (std::size_t i = 0; i < slots.size(); ++i)
     {
-        if (! slot.active || slot.rate == 0.0f)
-            continue;
+        auto& slot = slots[i];
+        auto& voice = levels.voices[i];
+        voice.activeSamples = 0;
 
-        slot.level += slot.rate;
+        while (slot.active && voice.activeSamples < count)
+        {
+            advanceLevel (slot);
 
-        if (slot.rate > 0.0f && slot.level >= 1.0f)
-        {
-            slot.level = 1.0f;
-            slot.rate = 0.0f;
+            if (slot.active)
+                voice.levels[static_cast<std::size_t> (voice.activeSamples++)] = slot.level;
         }
-        else if (slot.rate < 0.0f && slot.level < 0.0f)
-        {
-            slot.level = 0.0f;
-            slot.rate = 0.0f;
-            slot.active = false;
-        }
+    }
+}
+
+void MidiVoices::advanceLevel (VoiceSlot& slot) noexcept
+{
+    if (slot.rate == 0.0f)
+        return;
+
+    slot.level += slot.rate;
+
+    if (slot.rate > 0.0f && slot.level >= 1.0f)
+    {
+        slot.level = 1.0f;
+        slot.rate = 0.0f;
+    }
+    else if (slot.rate < 0.0f && slot.level < 0.0f)
+    {
+        slot.level = 0.0f;
+        slot.rate = 0.0f;
+        slot.active = false;
     }
 }
 

@@ -35,8 +35,8 @@ public:
     /** Lets every slot that holds the note fade out, in either mode. */
     void release (int noteNumber) noexcept;
 
-    /** Moves the level of every active slot by one sample. */
-    void advanceLevels() noexcept;
+    /** Moves the level of every active slot by `count` samples, at most `longestRun`, and notes each of them. */
+    void advanceLevels (VoiceLevels& levels, int count) noexcept;
 
     VoiceSlots slots;
     std::array<RelaxedAtomic<std::uint8_t>, keyCount> keyLit; // written here, read by the editor's keyboard
@@ -45,6 +45,7 @@ public:
 private:
     void fillSlot (VoiceSlot&, int slotNumber, int key) noexcept;
     void light (int key, bool lit) noexcept;
+    static void advanceLevel (VoiceSlot&) noexcept;
 
     float levelRate = 0.0f;    // change of level a sample while fading
     float initialLevel = 0.0f; // below zero: the time in which the engine's latency passes

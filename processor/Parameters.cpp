@@ -40,9 +40,25 @@ void createParameters (juce::AudioProcessorValueTreeState& parameters)
             row.defaultValue));
 }
 
+BlockParameters::BlockParameters (const juce::AudioProcessorValueTreeState& parameters)
+{
+    const auto find = [&parameters] (juce::StringRef id)
+    { return static_cast<const juce::AudioParameterFloat*> (parameters.getParameter (id)); };
+
+    mainWheel = find (parameterId::mainWheelPar);
+    timbWheel = find (parameterId::timbWheelPar);
+    mixer = find (parameterId::mixerPar);
+    toggleSize = find (parameterId::toggleSize);
+}
+
+float currentValue (const juce::AudioParameterFloat& parameter) noexcept
+{
+    const auto value = parameter.get();
+    return std::isfinite (value) ? value : 0.0f;
+}
+
 float currentValue (const juce::AudioProcessorValueTreeState& parameters, juce::StringRef id) noexcept
 {
-    const auto value = static_cast<const juce::AudioParameterFloat*> (parameters.getParameter (id))->get();
-    return std::isfinite (value) ? value : 0.0f;
+    return currentValue (*static_cast<const juce::AudioParameterFloat*> (parameters.getParameter (id)));
 }
 } // namespace tarvelline

@@ -48,9 +48,21 @@ double spanForRange (float selectorValue) noexcept;
 /** Adds every row of the table to `parameters`, in order. */
 void createParameters (juce::AudioProcessorValueTreeState& parameters);
 
+/** The parameters that every block reads, found once: a look-up by name costs as much as many samples. */
+struct BlockParameters
+{
+    BlockParameters() = default;
+    explicit BlockParameters (const juce::AudioProcessorValueTreeState&);
+
+    const juce::AudioParameterFloat *mainWheel = nullptr, *timbWheel = nullptr, *mixer = nullptr, *toggleSize = nullptr;
+};
+
 /** The parameter's value as it is now, in its own units; 0 if a host has stored something that is not finite.
 
     Reads the parameter object itself: the tree's raw value is a copy that a plain setValue(), as a pitch-bend does it,
     leaves untouched. Any thread; real-time safe. */
+float currentValue (const juce::AudioParameterFloat&) noexcept;
+
+/** The same by name. */
 float currentValue (const juce::AudioProcessorValueTreeState& parameters, juce::StringRef id) noexcept;
 } // namespace tarvelline

@@ -18,6 +18,7 @@ TarvellineAudioProcessor::TarvellineAudioProcessor()
       parameters (*this, nullptr)
 {
     createParameters (parameters);
+    blockParameters = BlockParameters (parameters);
     parameters.state = juce::ValueTree ("Tarvelline_0");
     parameters.addParameterListener (parameterId::mainRange, this);
     parameters.addParameterListener (parameterId::timbRange, this);

@@ -93,9 +93,11 @@ private:
     void keepShiftForRange (WheelRecord&, juce::StringRef wheelId, float rangeSelector);
     void setTimbreInUse (bool shouldBeInUse) noexcept;
     void bendWheel (int value14Bit) noexcept;
-    void advanceFades (bool wheelsAtRest) noexcept;
-    float mixSample (float wet, float dry, float mix) const noexcept;
+    struct Run;
+    void shiftRun (Run&) noexcept;
+    void mixRun (Run&, float mix) noexcept;
 
+    BlockParameters blockParameters;
     EngineBank engine;
     bool toggleSizeOn = false;   // the timbre wheel is in use, as of the last block
     float dryCrossfade = 0.0f;   // 0 = normal mix, 1 = the delayed dry signal alone

@@ -21,6 +21,62 @@ constexpr double slewUnit = 0.0001;      // 0.0016 a sample without smoothing, 8
 // Nearer and slower than this the point is put to rest on its target.
 constexpr double restDistance = 3.0e-5;
 constexpr double restVelocity = 1.0e-6;
+
+/** A wheel in motion, taken out of the record that other threads see. */
+struct Motion
+{
+    explicit Motion (const WheelRecord& wheel) noexcept
+        : target (wheel.target), follower (wheel.follower), velocity (wheel.velocity), point (wheel.point),
+          share (wheel.timeScale * targetShare), offset (wheel.inverseSpan * wheel.midiOffset),
+          slewStep (wheel.slewStep), acceleration (wheel.acceleration), pull (wheel.pull), span (wheel.span)
+    {
+    }
+
+    void smooth (double wheelValue) noexcept { target = wheelValue * share + (1.0 - share) * target; }
+
+    void move() noexcept
+    {
+        const auto destination = offset + target;
+
+        if (follower > destination)
+            follower = std::max (follower - slewStep, destination);
+        else if (follower < destination)
+            follower = std::min (follower + slewStep, destination);
+
+        if (point != follower) // a point on its follower waits there, whatever its velocity
+        {
+            velocity += point < follower ? acceleration : -acceleration;
+            point += velocity;
+        }
+
+        point += (follower - point) * pull;
+
+        if (std::abs (destination - point) < restDistance && std::abs (velocity) < restVelocity)
+        {
+            velocity = 0.0;
+            follower = point = destination;
+        }
+    }
+
+    float semitones() const noexcept { return static_cast<float> ((point - centre) * span); }
+
+    bool isWhere (const Motion& other) const noexcept
+    {
+        return target == other.target && follower == other.follower && velocity == other.velocity
+               && point == other.point;
+    }
+
+    void storePoint (WheelRecord& wheel) const noexcept
+    {
+        wheel.follower = follower;
+        wheel.velocity = velocity;
+        wheel.point = point;
+        wheel.semitones = semitones();
+    }
+
+    double target, follower, velocity, point;
+    const double share, offset, slewStep, acceleration, pull, span;
+};
 } // namespace
 
 void setGravity (WheelRecord& wheel, double amount) noexcept
@@ -72,39 +128,37 @@ void reanchor (WheelRecord& wheel) noexcept
 
 void smoothTarget (WheelRecord& wheel, double wheelValue) noexcept
 {
-    const auto share = wheel.timeScale * targetShare;
-    wheel.target = wheelValue * share + (1.0 - share) * wheel.target;
+    Motion motion (wheel);
+    motion.smooth (wheelValue);
+    wheel.target = motion.target;
 }
 
 void movePoint (WheelRecord& wheel) noexcept
 {
-    const auto target = wheel.inverseSpan * wheel.midiOffset + wheel.target;
-    double follower = wheel.follower;
-    double velocity = wheel.velocity;
-    double point = wheel.point;
+    Motion motion (wheel);
+    motion.move();
+    motion.storePoint (wheel);
+}
 
-    if (follower > target)
-        follower = std::max (follower - wheel.slewStep, target);
-    else if (follower < target)
-        follower = std::min (follower + wheel.slewStep, target);
+void moveWheel (WheelRecord& wheel, double wheelValue, float* semitones, int count) noexcept
+{
+    Motion motion (wheel);
 
-    if (point != follower) // a point on its follower waits there, whatever its velocity
+    for (int i = 0; i < count; ++i)
     {
-        velocity += point < follower ? wheel.acceleration.get() : -wheel.acceleration.get();
-        point += velocity;
+        const auto before = motion;
+        motion.smooth (wheelValue);
+        motion.move();
+        semitones[i] = motion.semitones();
+
+        if (motion.isWhere (before)) // at rest: every further sample would leave it there
+        {
+            std::fill (semitones + i, semitones + count, semitones[i]);
+            break;
+        }
     }
 
-    point += (follower - point) * wheel.pull;
-
-    if (std::abs (target - point) < restDistance && std::abs (velocity) < restVelocity)
-    {
-        velocity = 0.0;
-        follower = point = target;
-    }
-
-    wheel.follower = follower;
-    wheel.velocity = velocity;
-    wheel.point = point;
-    wheel.semitones = static_cast<float> ((point - centre) * wheel.span);
+    wheel.target = motion.target;
+    motion.storePoint (wheel);
 }
 } // namespace tarvelline

@@ -13,8 +13,8 @@ namespace tarvelline
 
     Units: positions are wheel units, 0..1 with 0.5 the centre; speeds are wheel units a sample; a shift in semitones is
             (point - 0.5) * span. Per-sample constants are written for 44.1 kHz and scaled by timeScale.
-    Threads: step() belongs to the audio thread. The other members may run on any thread at any time: every field is a
-            relaxed atomic, and a change made during a step costs at most that step's move.
+    Threads: the steps belong to the audio thread. The other members may run on any thread at any time: every field is a
+            relaxed atomic, and a change made in the microsecond in which a run of steps is made can be lost to it.
     Real time: everything here is a handful of double operations; nothing allocates or locks. */
 struct WheelRecord
 {
@@ -51,6 +51,9 @@ double setRange (WheelRecord&, double newSpan) noexcept;
 /** Puts the wheel to rest at its target with the MIDI offset added. The offset adds up with every call; the smoothing of
     the next samples takes it out again. */
 void reanchor (WheelRecord&) noexcept;
+
+/** Moves the wheel by `count` samples, each smoothTarget() and movePoint(), and hands back the shift after each of them. */
+void moveWheel (WheelRecord&, double wheelValue, float* semitones, int count) noexcept;
 
 /** First part of a sample's step: smooths the wheel's value into the target. */
 void smoothTarget (WheelRecord&, double wheelValue) noexcept;

@@ -1,24 +1,29 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/InstructionSets.h"
 #include "tests/support/ProcessorRig.h"
 #include "tests/support/VectorCase.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <tuple>
 
 namespace tarvelline::test
 {
 namespace
 {
-class Golden : public testing::TestWithParam<const char*>
+/** A case, and the instruction set that it is played on. */
+class Golden : public testing::TestWithParam<std::tuple<const char*, std::string>>
 {
+protected:
+    OnInstructionSet held { std::get<1> (GetParam()) };
 };
 
 // Any change of the sound: a constant, a floor, a truncation, the order of two steps, somewhere between MIDI and mix. The
 // expected data come from another program, so an error of thought on our side does not cancel out.
 TEST_P (Golden, SoundsMovesAndSavesAsExpected)
 {
-    const VectorCase golden (GetParam());
+    const VectorCase golden (std::get<0> (GetParam()));
     ProcessorRig rig (golden.rate, golden.channels);
     auto& wheel = rig.processor.mainWheel;
     auto rowsSeen = 0;
@@ -46,8 +51,9 @@ TEST_P (Golden, SoundsMovesAndSavesAsExpected)
 }
 
 INSTANTIATE_TEST_SUITE_P (Cases, Golden,
-                          testing::Values ("wheel_up_seven", "voice_timbre", "three_voices", "bend_and_notes",
-                                           "rate_96k"),
-                          [] (const auto& row) { return std::string (row.param); });
+                          testing::Combine (testing::Values ("wheel_up_seven", "voice_timbre", "three_voices",
+                                                             "bend_and_notes", "rate_96k"),
+                                            testing::ValuesIn (instructionSets())),
+                          [] (const auto& row) { return std::get<0> (row.param) + ("_" + std::get<1> (row.param)); });
 } // namespace
 } // namespace tarvelline::test

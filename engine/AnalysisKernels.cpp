@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/AnalysisKernels.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "engine/AnalysisKernels.cpp"
+#include <hwy/foreach_target.h>
+
+#include "engine/BinMath-inl.h"
+
+#include <hwy/highway.h>
+
+#include <algorithm>
+
+HWY_BEFORE_NAMESPACE();
+namespace tarvelline
+{
+namespace HWY_NAMESPACE
+{
+using namespace kernels;
+
+namespace
+{
+constexpr float onsetFloor = 1.0e-8f; // a bin this quiet in the last frame cannot rise: it starts afresh
+
+/** -1e-10, +1e-10, ... from the element j on: keeps a silent frame free of denormals and of magnitudes that are zero. */
+template <class D>
+HWY_INLINE hn::Vec<D> alternatingGuard (D d, std::size_t j)
+{
+    const hn::RebindToSigned<D> di;
+    const auto sign = hn::ShiftLeft<31> (hn::Iota (di, static_cast<int> (j + 1)));
+    return hn::Or (hn::Set (d, denormalGuard), hn::BitCast (d, sign));
+}
+
+void ReadStraight (const float* input, const float* window, float* frame, std::size_t length)
+{
+    forEachVector (0, length,
+                   [=] (auto d, std::size_t j) HWY_ATTR
+                   {
+                       const auto sample = hn::Mul (hn::LoadU (d, input + j), hn::LoadU (d, window + j));
+                       hn::StoreU (hn::Add (sample, alternatingGuard (d, j)), d, frame + j);
+                   });
+}
+
+void ReadStretched (const float* input, const float* ratios, const float* window, float* frame, std::size_t length)
+{
+    const auto limit = static_cast<float> (length);
+
+    forEachVector (0, length,
+                   [=] (auto d, std::size_t j) HWY_ATTR
+                   {
+                       const auto position = positionOf (d, j, ratios);
+                       const auto inside = hn::Lt (position, hn::Set (d, limit));
+                       const auto sample = hn::Mul (interpolated (d, input, position, limit), hn::LoadU (d, window + j));
+                       hn::StoreU (hn::Add (hn::IfThenElseZero (inside, sample), alternatingGuard (d, j)), d, frame + j);
+                   });
+}
+
+void MeasureBins (const AnalysisBins& given)
+{
+    const auto bins = given; // a copy, which no store into a buffer can change: it stays in registers
+
+    forEachVector (0, bins.activeBins,
+                   [bins] (auto d, std::size_t k) HWY_ATTR
+                   {
+                       auto sum = hn::Zero (d);
+
+                       for (std::size_t c = 0; c < bins.channelCount; ++c)
+                       {
+                           const auto* spectrum = bins.channels[c].spectrum;
+                           const auto magnitude = magnitudeOf (
+                               d, { hn::LoadU (d, spectrum + k), hn::LoadU (d, spectrum + bins.binCount + k) });
+                           hn::StoreU (magnitude, d, bins.channels[c].magnitude + k);
+                           sum = hn::Add (sum, magnitude);
+                       }
+
+                       const auto previous = hn::LoadU (d, bins.sum + k);
+                       const auto rise = hn::Div (sum, hn::Add (previous, hn::Set (d, denormalGuard)));
+                       const auto stable = hn::And (hn::Ge (previous, hn::Set (d, onsetFloor)),
+                                                    hn::Le (rise, hn::LoadU (d, bins.onsetThreshold + k)));
+                       const auto count = hn::Add (hn::LoadU (d, bins.lockCount + k), hn::Set (d, 1.0f));
+                       hn::StoreU (hn::IfThenElseZero (stable, count), d, bins.lockCount + k);
+                       hn::StoreU (sum, d, bins.sum + k);
+                   });
+}
+
+std::size_t NextResetPeak (const float* lockCount, const float* sum, std::size_t bin, std::size_t end)
+{
+    const hn::CappedTag<float, 16> d;
+
+    for (; bin + hn::Lanes (d) <= end; bin += hn::Lanes (d))
+    {
+        const auto here = hn::LoadU (d, sum + bin);
+        const auto peak = hn::And (hn::Eq (hn::LoadU (d, lockCount + bin), hn::Zero (d)),
+                                   hn::And (hn::Gt (here, hn::LoadU (d, sum + bin - 1)),
+                                            hn::Gt (here, hn::LoadU (d, sum + bin + 1))));
+
+        if (const auto first = hn::FindFirstTrue (d, peak); first >= 0)
+            return bin + static_cast<std::size_t> (first);
+    }
+
+    while (bin < end && ! (lockCount[bin] == 0.0f && sum[bin] > sum[bin - 1] && sum[bin] > sum[bin + 1]))
+        ++bin;
+
+    return bin;
+}
+
+void AdvancePhases (const AnalysisBins& given)
+{
+    const auto bins = given;
+
+    forEachVector (0, bins.activeBins,
+                   [bins] (auto d, std::size_t k) HWY_ATTR
+                   {
+                       auto count = hn::LoadU (d, bins.lockCount + k);
+                       const auto reset = hn::Eq (count, hn::Zero (d));
+                       const auto one = hn::Set (d, 1.0f);
+
+                       for (std::size_t c = 0; c < bins.channelCount; ++c)
+                       {
+                           const auto& channel = bins.channels[c];
+                           const auto gain =
+                               hn::Div (one, hn::Add (hn::LoadU (d, channel.magnitude + k), hn::Set (d, denormalGuard)));
+                           const Complex phasor { hn::Mul (hn::LoadU (d, channel.spectrum + k), gain),
+                                                  hn::Mul (hn::LoadU (d, channel.spectrum + bins.binCount + k), gain) };
+                           const auto lastPhasor = pairs (channel.lastPhasor, bins.binCount);
+                           auto turned = phasor * conjugate (load (d, lastPhasor, k));
+
+                           // The count is shared: restarting it leaves the second channel's advance as it is.
+                           const auto due = hn::Eq (count, hn::Set (d, static_cast<float> (renormaliseAdvanceAt)));
+                           turned = normalisedWhere (d, due, turned);
+                           count = hn::IfThenElse (due, one, count);
+
+                           store (d, choose (reset, phasor, turned), pairs (channel.advance, bins.binCount), k);
+                           store (d, phasor, lastPhasor, k);
+                       }
+
+                       hn::StoreU (count, d, bins.lockCount + k);
+                   });
+
+    for (std::size_t c = 0; c < bins.channelCount; ++c)
+    {
+        for (auto* phasors : { bins.channels[c].advance, bins.channels[c].lastPhasor })
+        {
+            std::fill (phasors + bins.activeBins, phasors + bins.binCount, 1.0f);
+            std::fill (phasors + bins.binCount + bins.activeBins, phasors + 2 * bins.binCount, 0.0f);
+        }
+    }
+
+    std::fill (bins.lockCount + bins.activeBins, bins.lockCount + bins.binCount, 0.0f);
+}
+} // namespace
+// NOLINTNEXTLINE(google-readability-namespace-comments)
+} // namespace HWY_NAMESPACE
+} // namespace tarvelline
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace tarvelline
+{
+HWY_EXPORT (ReadStraight);
+HWY_EXPORT (ReadStretched);
+HWY_EXPORT (MeasureBins);
+HWY_EXPORT (NextResetPeak);
+HWY_EXPORT (AdvancePhases);
+
+namespace kernels
+{
+void readStraight (const float* input, const float* window, float* frame, std::size_t length) noexcept
+{
+    HWY_DYNAMIC_DISPATCH (ReadStraight) (input, window, frame, length);
+}
+
+void readStretched (const float* input, const float* ratios, const float* window, float* frame,
+                    std::size_t length) noexcept
+{
+    HWY_DYNAMIC_DISPATCH (ReadStretched) (input, ratios, window, frame, length);
+}
+
+void measureBins (const AnalysisBins& bins) noexcept { HWY_DYNAMIC_DISPATCH (MeasureBins) (bins); }
+
+std::size_t nextResetPeak (const float* lockCount, const float* sum, std::size_t bin, std::size_t end) noexcept
+{
+    return HWY_DYNAMIC_DISPATCH (NextResetPeak) (lockCount, sum, bin, end);
+}
+
+void advancePhases (const AnalysisBins& bins) noexcept { HWY_DYNAMIC_DISPATCH (AdvancePhases) (bins); }
+} // namespace kernels
+} // namespace tarvelline
+#endif

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+namespace tarvelline
+{
+/** The loops of the analysis frame over samples and bins, on the best instruction set of this machine. No two arrays of a
+    call overlap unless it says so. Spectra and phasors have pair layout: bin k is (x[k], x[K + k]). */
+namespace kernels
+{
+/** One frame's bins: K = binCount, of which the lowest activeBins are worked on. */
+struct AnalysisBins
+{
+    struct Channel
+    {
+        const float* spectrum;
+        float *magnitude, *advance, *lastPhasor;
+    };
+
+    std::array<Channel, 2> channels;
+    std::size_t channelCount; // 1 or 2
+    std::size_t binCount, activeBins;
+    const float* onsetThreshold;
+    float* sum;       // magnitudes over channels: in, of the last frame; out, of this one
+    float* lockCount; // whole numbers, 0 = phase reset
+};
+
+/** frame[j] = input[j] * window[j], with a trace of alternating sign that keeps silence off zero. */
+void readStraight (const float* input, const float* window, float* frame, std::size_t length) noexcept;
+
+/** The same, reading between the samples: at j * ratios[j], nothing from `length` on. The input has length + 1 samples and
+    readAhead. */
+void readStretched (const float* input, const float* ratios, const float* window, float* frame,
+                    std::size_t length) noexcept;
+
+/** Magnitudes, their sum over channels, and the count of frames for which each bin has not risen. */
+void measureBins (const AnalysisBins&) noexcept;
+
+/** The first bin from `bin` up to `end` that is reset and louder than both neighbours; `end` if there is none. */
+std::size_t nextResetPeak (const float* lockCount, const float* sum, std::size_t bin, std::size_t end) noexcept;
+
+/** Unit phasors, and how far each has turned since the last frame where the bin is not reset. Bins above the active ones
+    end at rest. A count of `renormaliseAdvanceAt` starts again at 1. */
+void advancePhases (const AnalysisBins&) noexcept;
+
+/** The spectral envelope of one or two channels, and where it is to go. */
+struct EnvelopeWarp
+{
+    std::array<const float*, 2> magnitudes;
+    std::array<float*, 2> shaped; // the magnitudes with their envelope moved
+    std::size_t channelCount;     // 1 or 2
+    std::size_t binCount;
+    const float* coefficients; // of the smoother that makes the envelope
+    float ratio;               // frequency of the envelope in / out
+    float* envelopes;          // scratch: 2 K + 2
+};
+
+void warpEnvelope (const EnvelopeWarp&) noexcept;
+} // namespace kernels
+} // namespace tarvelline

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/AlignedVector.h"
+#include "engine/EngineTables.h"
+#include "engine/HartleyTransform.h"
+
+#include <array>
+#include <cstddef>
+
+namespace tarvelline
+{
+/** What all engines of one frame length and sample rate share: the constants, and the frames that one engine at a time works
+    on, none of which outlives a call. Eight voices that share them keep them in the cache.
+
+    Threads: the engines that share this run on one thread. */
+struct EngineResources
+{
+    /** The parameters are those of EngineTables. Allocates. */
+    EngineResources (int frameLength, float frequencyScale, float sampleRate)
+        : tables (frameLength, frequencyScale, sampleRate), transform (frameLength)
+    {
+        for (auto* band : { &low, &high })
+            for (auto& frame : *band)
+                frame.resize (static_cast<std::size_t> (frameLength + 1 + readAhead));
+
+        envelopes.resize (static_cast<std::size_t> (frameLength + 2));
+    }
+
+    const EngineTables tables;
+    const HartleyTransform transform;
+
+    // A frame a channel: N values, one more to interpolate into (always 0) and readAhead. The low one serves the analysis too.
+    std::array<AlignedVector<float>, 2> low, high;
+
+    AlignedVector<float> envelopes; // N + 2: of both channels, while the envelope is moved
+};
+} // namespace tarvelline

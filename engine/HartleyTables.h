@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/AlignedVector.h"
+
+namespace tarvelline
+{
+/** The constants of a Hartley transform of N = length real values, computed as a complex transform of M = N / 2.
+
+    A radix-4 pass at stride s combines the elements t, t + M/4, t + M/2 and t + 3M/4; its turns depend on t / s alone:
+    w, w squared and w cubed with w = exp (-2 pi i (t / s) / (M / s)). */
+struct HartleyTables
+{
+    static constexpr int shortest = 256;  // the shortest length whose passes fill the widest vector
+    static constexpr int longest = 8192; // the frame at the highest rates; a transform's scratch is on the stack
+
+    HartleyTables() = default;
+
+    /** @param transformLength  N, a power of two from `shortest` to `longest` */
+    explicit HartleyTables (int transformLength);
+
+    int length = 0;              // N; 0 while there are no tables
+    AlignedVector<float> first;  // stride 1: six rows of M/4: the real and imaginary parts of w, w squared, w cubed
+    AlignedVector<float> second; // stride 4: the same, each turn four times, so that any vector width may load it
+    AlignedVector<float> middle; // strides 16, 64 ...: six values a turn, pass after pass; then the radix-2 pass, two each
+    AlignedVector<float> split;  // two rows of M/2: (cos +- sin) / 2 of 2 pi k / N: parts complex bins into real ones
+};
+} // namespace tarvelline
