@@ -47,8 +47,8 @@ Samples playInRuns (float ratio, float formantRatio, bool glides, int runLength)
     {
         const float* const in[] = { left.data() + start, right.data() + start };
         float* const out[] = { output.data() + start, output.data() + length + start };
-        engine.process ({ ratios.data() + start, formantRatios.data() + start, in, out, 2,
-                          std::min (runLength, length - start) });
+        engine.process (
+            { ratios.data() + start, formantRatios.data() + start, in, out, 2, std::min (runLength, length - start) });
     }
 
     return output;
@@ -82,7 +82,8 @@ TEST_P (OnEach, AToneFillsItsBinAlone)
         const HartleyTransform transform (length);
         const auto size = static_cast<std::size_t> (length), half = size / 2;
 
-        for (const std::size_t bin : { std::size_t { 1 }, std::size_t { 7 }, half / 4, half / 2, half / 2 + 3, half - 1 })
+        for (const std::size_t bin :
+             { std::size_t { 1 }, std::size_t { 7 }, half / 4, half / 2, half / 2 + 3, half - 1 })
         {
             Samples data (size);
 
