@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Whole blocks through the processor: one voice and eight, at the rates with the shortest and the longest frames.
+// Whole blocks through the processor: idle, one voice and eight, at the rates with the shortest and the longest frames.
 #include "bench/BenchSupport.h"
 #include "processor/TarvellineAudioProcessor.h"
 
@@ -56,7 +56,7 @@ void processBlock (benchmark::State& state)
 
 BENCHMARK (processBlock)
     ->ArgNames ({ "voices", "rate", "block" })
-    ->ArgsProduct ({ { 1, 8 }, { 44100, 192000 }, { 64, 512 } })
+    ->ArgsProduct ({ { 0, 1, 8 }, { 44100, 192000 }, { 64, 512 } })
     ->Unit (benchmark::kMicrosecond);
 } // namespace
 } // namespace tarvelline::bench
