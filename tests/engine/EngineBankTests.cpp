@@ -70,26 +70,6 @@ Samples material()
 }
 } // namespace
 
-// Catches a limit on the wrong side of its rate, and a rate that makes a frame of no length.
-TEST (EngineBank, FrameLengthFollowsTheSampleRate)
-{
-    constexpr auto nan = std::numeric_limits<float>::quiet_NaN();
-
-    for (const auto& [rate, frameSize] : { std::pair { 8000.0f, 2048 },
-                                           { 44100.0f, 2048 },
-                                           { 48000.0f, 2048 },
-                                           { 48001.0f, 4096 },
-                                           { 88200.0f, 4096 },
-                                           { 96000.0f, 4096 },
-                                           { 96001.0f, 8192 },
-                                           { 192000.0f, 8192 },
-                                           { 384000.0f, 8192 } })
-        EXPECT_EQ (EngineBank::frameSizeFor (rate), frameSize) << rate;
-
-    for (const auto useless : { 0.0f, -48000.0f, nan })
-        EXPECT_EQ (Rig (useless).bank.getSampleRate(), 44100.0f);
-}
-
 // Catches a voice that takes another's engine, gain or shift, that misses the wheel, or whose start is not acknowledged.
 TEST (EngineBank, VoiceModeAddsTheActiveVoicesAtTheirLevels)
 {
@@ -147,32 +127,6 @@ TEST (EngineBank, FormantRatioIsPitchOverTimbre)
             EXPECT_TRUE (sameBits (rig.play (controls, input), playEngine (ratioOf (pitch), formantRatio, input)))
                 << transposeMode << ' ' << timbre;
         }
-}
-
-// Catches a delay one sample off, which combs the mix, and one ring for both channels.
-TEST (EngineBank, TheDrySignalIsExactlyOneFrameLate)
-{
-    for (const auto rate : { 44100.0f, 96000.0f, 192000.0f })
-    {
-        Rig rig (rate);
-        const auto length = static_cast<std::size_t> (rig.bank.getFrameSize());
-        const auto left = whiteNoise (30000), right = whiteNoise (30000, noiseSeed + 1);
-
-        auto lateLeft = left, lateRight = right;
-        const auto size = static_cast<int> (left.size());
-
-        for (int start = 0, run = 1; start < size; start += run, run = std::min (3 * run, size - start))
-        {
-            rig.bank.delayDry (0, lateLeft.data() + start, run); // 1, 3, 9 ... samples: also more than the line holds
-            rig.bank.delayDry (1, lateRight.data() + start, run);
-        }
-
-        for (std::size_t i = 0; i < left.size(); ++i)
-        {
-            ASSERT_EQ (lateLeft[i], i < length ? 0.0f : left[i - length]) << i;
-            ASSERT_EQ (lateRight[i], i < length ? 0.0f : right[i - length]) << i;
-        }
-    }
 }
 
 } // namespace tarvelline::test

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <numeric>
 
 namespace tarvelline::test
 {
@@ -32,44 +31,7 @@ const RateCase rateCases[] = {
 
 EngineTables tablesFor (const RateCase& c) { return { c.frameLength, c.frequencyScale, c.sampleRate }; }
 
-double product (const AlignedVector<float>& first, const AlignedVector<float>& second)
-{
-    return std::inner_product (first.begin(), first.end(), second.begin(), 0.0);
-}
 } // namespace
-
-// Catches a window of another shape or place, swapped windows, and a narrow window whose gain is its own: the bands below
-// 500 Hz and above 800 Hz would then differ in level.
-TEST (EngineTables, WindowsAreHalfSinesOfEqualOverlapAddGain)
-{
-    for (const auto& c : rateCases)
-    {
-        const auto tables = tablesFor (c);
-        const auto length = static_cast<std::size_t> (c.frameLength);
-        const auto start = length * 3 / 8, end = length * 5 / 8; // of the narrow window
-        ASSERT_EQ (tables.wideWindow.size(), length + 1);
-        ASSERT_EQ (tables.narrowWindow.size(), length + 1);
-        EXPECT_EQ (tables.wideWindow[length], 0.0f); // read where rounding carries the window index to N
-
-        for (std::size_t j = 0; j < length; ++j)
-        {
-            ASSERT_NEAR (tables.wideWindow[j], tables.wideWindow[length - 1 - j], 1.0e-6f) << j;
-            ASSERT_NEAR (tables.narrowWindow[j], tables.narrowWindow[length - 1 - j], 2.0e-6f) << j;
-            ASSERT_TRUE (tables.narrowWindow[j] == 0.0f || (j > start && j < end)) << j;
-        }
-
-        EXPECT_EQ (tables.wideWindow[0], 0.0f);
-        EXPECT_NEAR (tables.wideWindow[length / 6], 0.5f, 1.0e-3f); // sin 30 degrees
-        EXPECT_NEAR (tables.wideWindow[length / 2], 1.0f, 1.0e-6f);
-        EXPECT_NEAR (tables.narrowWindow[start + length / 24] / tables.narrowWindow[length / 2], 0.5f, 5.0e-3f);
-        EXPECT_GT (tables.narrowWindow[start + 1], 0.0f);
-
-        // The sum of squared half sines is (N - 1) / 2: eight of them a frame length make the 4 of the engine's gain.
-        EXPECT_NEAR (product (tables.wideWindow, tables.wideWindow), 0.5 * (c.frameLength - 1), 1.0e-3);
-        EXPECT_NEAR (product (tables.wideWindow, tables.narrowWindow) / product (tables.wideWindow, tables.wideWindow),
-                     1.0, 1.0e-6);
-    }
-}
 
 // Catches band limits rounded instead of truncated, stretched by the scale where they must not be, or taken in double:
 // single precision puts the last peak bin at 176.4 kHz on 128, not 127.
@@ -100,19 +62,6 @@ TEST (EngineTables, BandLimitsAreTheWorkedNumbers)
         EXPECT_GT (weight[c.lowBandEnd - 1], 0.0f);
         EXPECT_EQ (weight[c.lowBandEnd], 0.0f);
         EXPECT_NEAR (weight[c.lowBandFull + 3] + weight[c.lowBandEnd - 3], 1.0f, 1.0e-6f); // a raised cosine
-    }
-}
-
-// Catches a smoother that runs the wrong way up the bins or takes its exponent a bin instead of a share of the spectrum.
-TEST (EngineTables, EnvelopeSmoothsLessTowardsTheTop)
-{
-    for (const auto& c : rateCases)
-    {
-        const auto coefficients = tablesFor (c).envelopeCoeff;
-        ASSERT_EQ (coefficients.size(), static_cast<std::size_t> (c.frameLength / 2));
-        EXPECT_TRUE (std::is_sorted (coefficients.begin(), coefficients.end(), std::greater<>()));
-        EXPECT_NEAR (coefficients.front(), 0.7304, 1.0e-4);
-        EXPECT_NEAR (coefficients.back(), 0.2632, 4.0e-4);
     }
 }
 

@@ -74,31 +74,6 @@ protected:
 INSTANTIATE_TEST_SUITE_P (Sets, OnEach, testing::ValuesIn (instructionSets()),
                           [] (const auto& row) { return row.param; });
 
-// A lane or a twiddle in the wrong place. Tones on single bins show which; noise would only show that.
-TEST_P (OnEach, AToneFillsItsBinAlone)
-{
-    for (const auto length : { 256, 2048, 4096, 8192 })
-    {
-        const HartleyTransform transform (length);
-        const auto size = static_cast<std::size_t> (length), half = size / 2;
-
-        for (const std::size_t bin :
-             { std::size_t { 1 }, std::size_t { 7 }, half / 4, half / 2, half / 2 + 3, half - 1 })
-        {
-            Samples data (size);
-
-            for (std::size_t n = 0; n < size; ++n)
-                data[n] = static_cast<float> (std::cos (2.0 * std::numbers::pi * static_cast<double> (n * bin % size)
-                                                        / static_cast<double> (length)));
-
-            transform.forward (data.data());
-            Samples expected (size, 0.0f);
-            expected[bin] = expected[half + bin] = static_cast<float> (half);
-            EXPECT_LT (relativeRmsError (data, expected), 1.0e-6) << length << ' ' << bin;
-        }
-    }
-}
-
 // A mask, a tail or a gather that one set gets wrong; the scalar code has none of them.
 TEST_P (OnEach, SoundsAsTheScalarCode)
 {

@@ -145,13 +145,6 @@ std::size_t peakIndex (Signal signal)
     return static_cast<std::size_t> (largest - signal.begin());
 }
 
-std::size_t onsetIndex (Signal signal, float threshold)
-{
-    const auto first = std::find_if (signal.begin(), signal.end(),
-                                     [threshold] (float sample) { return std::abs (sample) > threshold; });
-    return static_cast<std::size_t> (first - signal.begin());
-}
-
 float peak (Signal signal) { return signal.empty() ? 0.0f : std::abs (signal[peakIndex (signal)]); }
 
 double relativeRmsError (Signal actual, Signal expected)

@@ -29,9 +29,6 @@ double spectralCentroidHz (Signal, double rate);
 /** Index of the sample with the largest magnitude: where an impulse came out. */
 std::size_t peakIndex (Signal);
 
-/** Index of the first sample whose magnitude exceeds `threshold`; the signal's size if none does. */
-std::size_t onsetIndex (Signal, float threshold);
-
 /** The largest magnitude. */
 float peak (Signal);
 

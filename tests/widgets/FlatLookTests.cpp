@@ -80,18 +80,6 @@ TEST (ButtonBody, ShowsOnlyWhilePressed)
         }
 }
 
-TEST (ButtonBody, IsRoundedAndContrastsWithItsColour)
-{
-    const juce::Colour grey (0xff404040);
-    const auto body = bodyOf<TarvellineLookAndFeel> (juce::Button::buttonDown, grey);
-    EXPECT_EQ (body.getPixelAt (30, 20), grey.contrasting (0.1f));
-    EXPECT_LT (body.getPixelAt (1, 1).getAlpha(), 64);  // outside a corner of 6 pixels ...
-    EXPECT_EQ (body.getPixelAt (3, 3).getAlpha(), 255); // ... and inside it
-
-    const auto disabled = bodyOf<TarvellineLookAndFeel> (juce::Button::buttonDown, grey, false);
-    EXPECT_EQ (disabled.getPixelAt (30, 20).getAlpha(), grey.withAlpha (0.5f).contrasting (0.1f).getAlpha());
-}
-
 struct Item
 {
     bool active = true, highlighted = false, ticked = false;
@@ -140,17 +128,5 @@ TEST (MenuItem, IsCentredBesideTheTicksPlace)
     }
 }
 
-TEST (MenuItem, TellsItsStateByColour)
-{
-    const auto own = juce::Colours::red;
-    EXPECT_EQ (textOf ({}).colour, juce::Colours::white);
-    EXPECT_EQ (textOf ({ true, false, false, &own }).colour, own);
-    EXPECT_EQ (textOf ({ true, true, false, &own }).colour, juce::Colours::yellow);
-    EXPECT_EQ (textOf ({ false, true, false, &own }).colour, own.withMultipliedAlpha (0.5f));
-
-    EXPECT_EQ (boundsOf (pictureOf ({ true, true }), isInk), itemArea.reduced (1));
-    EXPECT_EQ (pictureOf ({ true, true }).getPixelAt (100, 25), highlight);
-    EXPECT_FALSE (isInk (pictureOf ({ false, true }).getPixelAt (100, 25))) << "inactive: never highlighted";
-}
 } // namespace
 } // namespace tarvelline::test

@@ -100,16 +100,6 @@ TEST (FollowDial, WritesInTheDisplayFaceInTheMiddle)
     EXPECT_EQ (number.colour, juce::Colour (0xfff5f5f5).withAlpha (0.4f));
 }
 
-// A ring kept round in a dial that is not, or stretched before it was turned.
-TEST (FollowDial, StretchesTheRingOverAWideDial)
-{
-    DialRig square, wide (0, 444, 222);
-    square.show (0.5, 24.0);
-    wide.show (0.5 + 0.5 / 1.6, 24.0); // a right angle clockwise
-    EXPECT_NEAR (wide.mark().x, -2.0f * square.mark().y, 2.0f);
-    EXPECT_NEAR (wide.mark().y, 0.0f, 1.0f);
-}
-
 class InfoLine : public testing::TestWithParam<std::pair<juce::AudioProcessor::WrapperType, const char*>>
 {
 protected:

@@ -88,15 +88,5 @@ TEST (Keyboard, GivesEachWhiteKeyItsNotches)
     EXPECT_TRUE (shapesDiffer (45, 43));
 }
 
-TEST (Keyboard, LightsAChord)
-{
-    const auto picture = keyboardWith ({ 48, 52, 55, 58 });
-
-    for (const auto& [key, lit] : { std::pair { 7, true }, std::pair { 8, false }, std::pair { 9, true },
-                                    std::pair { 10, false }, std::pair { 11, true } })
-        EXPECT_EQ (isOrange (picture.getPixelAt (key * keyWidth + 20, height - 10)), lit) << key;
-
-    EXPECT_TRUE (isOrange (picture.getPixelAt (blackKey (7, 35).getCentreX(), 40)));
-}
 } // namespace
 } // namespace tarvelline::test
