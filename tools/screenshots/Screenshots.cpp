@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Writes the pictures of the window that README and the manual show: both sizes at three heights at rest, and one amid a
-// gesture with the wheel under way, a chord held and a knob just turned. Needs no display.
+// gesture with the wheel under way, a chord held and a knob just turned; and the curves of the wheels' motion. Needs no
+// display.
 #include "editor/TarvellineAudioProcessorEditor.h"
+#include "tools/screenshots/MotionFigure.h"
 
 #include <cstdlib>
 #include <functional>
@@ -128,4 +130,5 @@ int main (int argc, char** argv)
     const auto folder = juce::File::getCurrentWorkingDirectory().getChildFile (argv[1]);
     folder.createDirectory();
     tarvelline::takeAll (folder);
+    tarvelline::write (tarvelline::drawMotion(), folder.getChildFile ("motion.png"));
 }
