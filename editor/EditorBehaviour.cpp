@@ -91,6 +91,8 @@ void TarvellineAudioProcessorEditor::applySizeMode()
 {
     sizeMode = controls.sizeButton.getToggleState() ? 1 : 2;
     aspectRatio = fullAspectRatio / static_cast<float> (sizeMode);
+    panel.setSource (
+        backgroundImage.getClippedImage ({ backgroundImage.getWidth() / sizeMode, backgroundImage.getHeight() }));
     getConstrainer()->setFixedAspectRatio (static_cast<double> (aspectRatio));
 
     // What lies outside the window is out of reach of the Tab key and of screen readers too.

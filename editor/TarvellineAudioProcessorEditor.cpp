@@ -57,6 +57,7 @@ TarvellineAudioProcessorEditor::~TarvellineAudioProcessorEditor()
     for (auto* child : getChildren()) // before any look goes
         child->setLookAndFeel (nullptr);
 
+    panel.setSource ({});
     backgroundImage = {};
     midiOptionsLook.reset();
     mainLook.reset();
@@ -203,19 +204,7 @@ void TarvellineAudioProcessorEditor::openAtStoredHeight()
     setSize (widthFor (height), height); // the limits have fitted the height to the truncated width
 }
 
-void TarvellineAudioProcessorEditor::paint (juce::Graphics& g)
-{
-    const auto sourceWidth = backgroundImage.getWidth() / sizeMode;
-    const auto sourceHeight = backgroundImage.getHeight();
-
-    if (! backgroundImage.isValid() || ! g.clipRegionIntersects (getLocalBounds()))
-        return;
-
-    g.drawImageTransformed (
-        backgroundImage.getClippedImage ({ sourceWidth, sourceHeight }),
-        juce::AffineTransform::scale (static_cast<float> (getWidth()) / static_cast<float> (sourceWidth),
-                                      static_cast<float> (getHeight()) / static_cast<float> (sourceHeight)));
-}
+void TarvellineAudioProcessorEditor::paint (juce::Graphics& g) { panel.draw (g, getLocalBounds()); }
 
 void TarvellineAudioProcessorEditor::resized()
 {

@@ -7,6 +7,7 @@
 #include "widgets/MainRotaryDraw.h"
 #include "widgets/RotaryDisplayTick.h"
 #include "widgets/RotaryTick.h"
+#include "widgets/StretchedPicture.h"
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
@@ -76,6 +77,7 @@ private:
     std::unique_ptr<TarvellineLookAndFeel> mainLook = std::make_unique<TarvellineLookAndFeel>();
     std::unique_ptr<MidiOptionsLookAndFeel> midiOptionsLook = std::make_unique<MidiOptionsLookAndFeel>();
     juce::Image backgroundImage;
+    StretchedPicture panel; // as much of the background as the window shows
     TarvellineAudioProcessor& processor;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (TarvellineAudioProcessorEditor)
