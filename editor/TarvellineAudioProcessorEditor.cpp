@@ -2,6 +2,7 @@
 #include "editor/TarvellineAudioProcessorEditor.h"
 
 #include "BinaryData.h"
+#include "widgets/PuckRepaint.h"
 
 namespace tarvelline
 {
@@ -100,7 +101,10 @@ void TarvellineAudioProcessorEditor::styleSliders()
     }
 
     for (auto* wheel : { &controls.mainWheelSlider, &controls.timbreWheelSlider })
+    {
         wheel->setLookAndFeel (mainRotaryLook.get());
+        wheel->setCachedComponentImage (new PuckRepaint (*wheel)); // the wheel owns it
+    }
 
     for (auto* scale : { &controls.pitchScaleSlider, &controls.timbreScaleSlider })
     {

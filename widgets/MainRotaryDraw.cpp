@@ -24,14 +24,33 @@ void MainRotaryDraw::drawRotarySlider (juce::Graphics& g, int x, int y, int widt
     if (! puckImg.isValid() || g.isClipEmpty())
         return;
 
-    const auto angle = rotaryAngle (sliderPosProportional, rotaryStartAngle, rotaryEndAngle);
-    const auto centre = juce::Point<int> (x + width / 2, y + height / 2).toFloat();
-    const auto puck = pointOnCircle (centre, static_cast<float> (juce::jmin (width, height)) * pathRadius, angle);
+    g.drawImageTransformed (
+        puckImg,
+        puckTransform ({ x, y, width, height }, rotaryAngle (sliderPosProportional, rotaryStartAngle, rotaryEndAngle)));
+}
+
+juce::Rectangle<int> MainRotaryDraw::puckArea (juce::Slider& wheel) const
+{
+    const auto sweep = wheel.getRotaryParameters();
+    const auto angle = rotaryAngle (static_cast<float> (wheel.valueToProportionOfLength (wheel.getValue())),
+                                    sweep.startAngleRadians, sweep.endAngleRadians);
+
+    return puckImg.getBounds()
+        .toFloat()
+        .transformedBy (puckTransform (wheel.getLocalBounds(), angle))
+        .getSmallestIntegerContainer()
+        .expanded (1); // the resampling blends over the edge
+}
+
+juce::AffineTransform MainRotaryDraw::puckTransform (juce::Rectangle<int> wheel, float angle) const
+{
+    const auto centre = juce::Point<int> (wheel.getX() + wheel.getWidth() / 2, wheel.getY() + wheel.getHeight() / 2);
+    const auto radius = static_cast<float> (juce::jmin (wheel.getWidth(), wheel.getHeight())) * pathRadius;
     const auto imageCentre = puckImg.getBounds().toFloat().getCentre();
 
-    g.drawImageTransformed (puckImg, juce::AffineTransform::rotation (angle, imageCentre.x, imageCentre.y)
-                                         .translated (-imageCentre)
-                                         .scaled (static_cast<float> (width) / naturalSliderWidth)
-                                         .translated (puck));
+    return juce::AffineTransform::rotation (angle, imageCentre.x, imageCentre.y)
+        .translated (-imageCentre)
+        .scaled (static_cast<float> (wheel.getWidth()) / naturalSliderWidth)
+        .translated (pointOnCircle (centre.toFloat(), radius, angle));
 }
 } // namespace tarvelline

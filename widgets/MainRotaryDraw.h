@@ -15,7 +15,12 @@ public:
     void drawRotarySlider (juce::Graphics&, int x, int y, int width, int height, float sliderPosProportional,
                            float rotaryStartAngle, float rotaryEndAngle, juce::Slider&) override;
 
+    /** What the puck covers of a wheel, in whole pixels of the wheel. */
+    juce::Rectangle<int> puckArea (juce::Slider& wheel) const;
+
 private:
+    juce::AffineTransform puckTransform (juce::Rectangle<int> wheel, float angle) const;
+
     juce::Image puckImg;
 };
 } // namespace tarvelline
