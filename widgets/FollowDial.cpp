@@ -16,6 +16,11 @@ constexpr float infoOpacity = 0.6f;
 constexpr float numberOpacity = 0.4f;
 constexpr auto textColour = 0xfff5f5f5;
 
+constexpr float pictureSize = 222.0f; // pixels: width and height of the ring's picture
+
+/** Around the index mark in that picture, in its pixels; all it holds of the ring itself is transparent. */
+const juce::Rectangle<int> markInPicture (105, 7, 12, 21);
+
 // Of the dial's height
 constexpr float numberHeight = 1.0f / 6.0f;
 constexpr float infoHeight = 0.0625f;
@@ -44,6 +49,10 @@ FollowDial::FollowDial()
       dialFont (juce::Typeface::createSystemTypefaceFor (BinaryData::scifi2k2_ttf, BinaryData::scifi2k2_ttfSize)),
       flashCounter (flashLength + flashDelay)
 {
+    auto plainRing = ring.createCopy(); // the picture is shared
+    plainRing.clear (markInPicture);
+    face.setSource (plainRing);
+
     setInterceptsMouseClicks (false, false);
     startTimer (pollMilliseconds);
 }
@@ -65,17 +74,26 @@ void FollowDial::timerCallback()
     const double span = wheel->span;
     const auto newPosition = span > 0.0 ? static_cast<float> (wheel->point) : 0.5f;
     const auto newValue = span > 0.0 ? static_cast<float> (span) * (newPosition - 0.5f) : 0.0f;
-    const auto infoLineShowed = infoLineShows();
+    const auto oldOpacity = infoLineOpacity();
 
     if (flashCounter > 0)
         --flashCounter;
 
-    if (newPosition != position || newValue != shownValue || infoLineShowed || infoLineShows())
+    if (newPosition != position)
     {
+        repaint (markArea());
         position = newPosition;
-        shownValue = newValue;
-        repaint();
+        repaint (markArea());
     }
+
+    if (newValue != shownValue)
+    {
+        shownValue = newValue;
+        repaint (numberArea());
+    }
+
+    if (infoLineOpacity() != oldOpacity)
+        repaint (infoLineBox().getSmallestIntegerContainer());
 }
 
 void FollowDial::paint (juce::Graphics& g)
@@ -83,49 +101,77 @@ void FollowDial::paint (juce::Graphics& g)
     drawRing (g);
     drawNumber (g);
 
-    if (infoLineShows())
+    if (infoLineOpacity() > 0.0f)
         drawInfoLine (g);
 }
 
-/** The picture turns about its own centre and is stretched over the whole dial. */
-void FollowDial::drawRing (juce::Graphics& g) const
+void FollowDial::drawRing (juce::Graphics& g)
 {
-    if (! ring.isValid())
-        return;
+    face.draw (g, getLocalBounds());
 
-    const auto size = ring.getBounds().toFloat();
-    const auto angle = rotaryAngle (position, sweep.startAngleRadians, sweep.endAngleRadians);
-    g.drawImageTransformed (ring, juce::AffineTransform::rotation (angle, size.getCentreX(), size.getCentreY())
-                                      .scaled (static_cast<float> (getWidth()) / size.getWidth(),
-                                               static_cast<float> (getHeight()) / size.getHeight()));
+    if (ring.isValid())
+        g.drawImageTransformed (
+            ring.getClippedImage (markInPicture),
+            juce::AffineTransform::translation (markInPicture.getPosition().toFloat()).followedBy (ringTransform()));
 }
 
 void FollowDial::drawNumber (juce::Graphics& g) const
 {
-    const auto bounds = getLocalBounds().toFloat();
-    const auto height = bounds.getHeight();
-
-    g.setFont (dialFont.withHeight (height * numberHeight));
+    g.setFont (dialFont.withHeight (static_cast<float> (getHeight()) * numberHeight));
     g.setColour (juce::Colour (textColour));
     g.setOpacity (numberOpacity);
-    g.drawText (juce::String (shownValue, 2), bounds.withSizeKeepingCentre (bounds.getWidth() * 0.8f, height * 0.25f),
-                juce::Justification::centred);
+    g.drawText (juce::String (shownValue, 2), numberBox(), juce::Justification::centred);
 }
 
 void FollowDial::drawInfoLine (juce::Graphics& g) const
 {
-    const auto bounds = getLocalBounds().toFloat();
-    const auto height = bounds.getHeight();
-    const auto lineHeight = height * infoHeight;
-
-    g.setFont (dialFont.withHeight (lineHeight));
+    g.setFont (dialFont.withHeight (static_cast<float> (getHeight()) * infoHeight));
     g.setColour (juce::Colour (textColour));
-    g.setOpacity (juce::jmin (static_cast<float> (flashCounter) * fadePerTick, infoOpacity));
-    g.drawText (infoText,
-                bounds.withSizeKeepingCentre (bounds.getWidth() * 2.0f / 3.0f, height * 0.25f)
-                    .translated (0.0f, 1.5f * lineHeight),
-                juce::Justification::centred);
+    g.setOpacity (infoLineOpacity());
+    g.drawText (infoText, infoLineBox(), juce::Justification::centred);
 }
 
-bool FollowDial::infoLineShows() const noexcept { return flashCounter > 0 && flashCounter < flashLength; }
+/** 0 while the line does not show. */
+float FollowDial::infoLineOpacity() const noexcept
+{
+    return flashCounter < flashLength ? juce::jmin (static_cast<float> (flashCounter) * fadePerTick, infoOpacity)
+                                      : 0.0f;
+}
+
+/** The picture turns about its own centre and is stretched over the whole dial. */
+juce::AffineTransform FollowDial::ringTransform() const
+{
+    const auto angle = rotaryAngle (position, sweep.startAngleRadians, sweep.endAngleRadians);
+    return juce::AffineTransform::rotation (angle, pictureSize / 2.0f, pictureSize / 2.0f)
+        .scaled (static_cast<float> (getWidth()) / pictureSize, static_cast<float> (getHeight()) / pictureSize);
+}
+
+/** What the index mark covers now. */
+juce::Rectangle<int> FollowDial::markArea() const
+{
+    return markInPicture.toFloat().transformedBy (ringTransform()).getSmallestIntegerContainer().expanded (1);
+}
+
+juce::Rectangle<float> FollowDial::numberBox() const
+{
+    const auto bounds = getLocalBounds().toFloat();
+    return bounds.withSizeKeepingCentre (bounds.getWidth() * 0.8f, bounds.getHeight() * 0.25f);
+}
+
+/** What the widest number covers. */
+juce::Rectangle<int> FollowDial::numberArea() const
+{
+    const auto font = dialFont.withHeight (static_cast<float> (getHeight()) * numberHeight);
+    return numberBox()
+        .withSizeKeepingCentre (font.getStringWidthFloat ("-24.00"), font.getHeight())
+        .getSmallestIntegerContainer()
+        .expanded (1);
+}
+
+juce::Rectangle<float> FollowDial::infoLineBox() const
+{
+    const auto bounds = getLocalBounds().toFloat();
+    return bounds.withSizeKeepingCentre (bounds.getWidth() * 2.0f / 3.0f, bounds.getHeight() * 0.25f)
+        .translated (0.0f, 1.5f * bounds.getHeight() * infoHeight);
+}
 } // namespace tarvelline

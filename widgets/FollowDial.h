@@ -2,12 +2,16 @@
 #pragma once
 
 #include "processor/TarvellineAudioProcessor.h"
+#include "widgets/StretchedPicture.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
 namespace tarvelline
 {
 /** Shows where a wheel's sound is now: a ring that turns with the wheel's moving point, and the shift in semitones.
+
+    All that shows of the turning is the ring's index mark: the rest of the picture is the same at every angle. So only the
+    mark is drawn turned, and while the wheel moves only the mark and the number are painted anew.
 
     Some seconds after it was made it shows, once, a line with the plug-in's format and version. It takes no mouse clicks.
     Message thread only; the wheel's state is polled every 20 ms. */
@@ -30,16 +34,22 @@ public:
 
 private:
     void timerCallback() override;
-    void drawRing (juce::Graphics&) const;
+    void drawRing (juce::Graphics&);
     void drawNumber (juce::Graphics&) const;
     void drawInfoLine (juce::Graphics&) const;
-    bool infoLineShows() const noexcept;
+    float infoLineOpacity() const noexcept;
+    juce::AffineTransform ringTransform() const;
+    juce::Rectangle<int> markArea() const;
+    juce::Rectangle<float> numberBox() const;
+    juce::Rectangle<int> numberArea() const;
+    juce::Rectangle<float> infoLineBox() const;
 
     const WheelRecord* wheel = nullptr;
     float position = 0.5f;   // of the wheel's moving point, 0..1
     float shownValue = 0.0f; // semitones
     juce::Slider::RotaryParameters sweep {};
     juce::Image ring;
+    StretchedPicture face; // the ring without its index mark
     juce::Font dialFont;
     juce::String infoText;
     int flashCounter; // timer ticks until the information line has come and gone

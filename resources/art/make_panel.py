@@ -25,6 +25,7 @@ SWEEP_START, SWEEP_END = -144.0, 144.0
 PUCK_ORBIT = 0.416 * WHEEL[2]
 GROOVE_HALF_WIDTH = 25.0         # the puck and a little play; its rim ends below radius 165
 DIAL_RADIUS = 111.5
+BAND_INNER, BAND_OUTER = 82.5, 105.0      # of the dial, in which its index mark runs
 
 FLUTES = 60                # grip flutes round a knob's skirt
 GRAIN = 0.042              # opacity of the coat's grain
@@ -65,6 +66,9 @@ def define_materials(art):
     art.linear("grooveLight", 62, 400, [(0, "#000000", 0.4), (0.5, "#3d4d5f", 0.0), (1, "#6d8299", 0.38)])
     art.radial("dialSeat", cx, cy + 4, DIAL_RADIUS + 7,
                [(0, "#000000", 0.9), (0.93, "#000000", 0.75), (1, "#000000", 0)])
+    art.radial("dialBand", cx, cy, BAND_OUTER + 1.5,
+               [(0.775, "#05080b"), (0.79, "#52647a"), (0.80, "#3a495a"), (0.89, "#45566a"), (0.96, "#3a495a"),
+                (0.97, "#5f7288"), (0.98, "#1a232d"), (1, "#1a232d")])
     art.radial("knobShadow", 0, 6, 47, [(0.6, "#0a1016", 0.62), (0.8, "#0a1016", 0.3), (1, "#0a1016", 0)])
     art.linear("knobSeat", -39, 39, [(0, "#2c3744"), (0.5, "#5b6b7c"), (1, "#b3c0cc")])
     art.linear("knobSkirt", -36, 36, [(0, "#5a6a7b"), (0.12, "#465463"), (0.6, "#242e39"), (1, "#121920")])
@@ -116,6 +120,17 @@ def wheel(title):
     shapes += [groove(4.4, stroke="#05080b"), groove(2.4, stroke="#2b3744"),
                circle(cx, cy + 1, DIAL_RADIUS + 7, fill="url(#dialSeat)"),
                circle(cx, cy, DIAL_RADIUS + 1.5, fill="#070b10")]
+    return shapes + dial_band()
+
+
+def dial_band():
+    """The graduation that the dial's index mark runs over. At every range each numbered tick of the scale outside has
+    its fellow here, at the same angle."""
+    cx, cy = centre(WHEEL)
+    shapes = [circle(cx, cy, BAND_OUTER + 1.5, fill="url(#dialBand)")]
+    for degrees in range(int(SWEEP_START), int(SWEEP_END) + 1, 6):
+        inner, weight = (88.0, 1.6) if degrees % 72 == 0 else (91.5, 1.3) if degrees % 12 == 0 else (95.5, 1.0)
+        shapes.append(spoke(cx, cy, inner, 101.0, degrees, stroke="#0d141c", stroke_width=weight))
     return shapes
 
 

@@ -3,7 +3,7 @@ import pathlib
 
 import keyboard
 import lettering
-from svg import INK, ORANGE, Drawing, circle, group, path, rect, spoke
+from svg import INK, ORANGE, Drawing, circle, group, path, rect
 
 HERE = pathlib.Path(__file__).parent
 
@@ -35,24 +35,20 @@ def puck_picture():
 
 
 def follow_wheel():
+    """Hub and rim around a band that is cut out, so that the panel's graduation shows in it, and in the band the index
+    mark. But for the mark the picture is the same at every angle: the dial turns the mark alone, and takes from the
+    picture the rectangle (105, 7) to (117, 28), which holds nothing else."""
     size, centre, radius = 222, 111.0, 110.6
-    band_inner, band_outer = 87.5, 103.0
+    hub, rim = 82.0 / radius, 104.7 / radius                   # the edges of the band
     drawing = Drawing(size, size, "Ring that follows the wheel")
     drawing.radial("ring", centre, centre, radius, [
-        (0, "#0a0e14"), (0.7, "#0d131a"), (0.745, "#121a23"), (0.757, "#05080b"), (0.772, "#05080b"),
-        (0.782, "#52647a"), (0.79, "#3a495a"), (0.86, "#45566a"), (0.935, "#3a495a"), (0.943, "#5f7288"),
-        (0.95, "#1a232d"), (0.962, "#1a232d"), (0.97, "#8b9dae"), (0.979, "#ffffff"), (0.985, "#b4c1cd"),
-        (1, "#4f6072")])
+        (0, "#0a0e14"), (0.68, "#0d131a"), (0.715, "#121a23"), (hub - 0.014, "#05080b"), (hub, "#05080b"),
+        (hub + 0.008, "#05080b", 0), (rim - 0.004, "#1a232d", 0), (rim + 0.003, "#1a232d"), (0.962, "#1a232d"),
+        (0.97, "#8b9dae"), (0.979, "#ffffff"), (0.985, "#b4c1cd"), (1, "#4f6072")])
     shapes = [circle(centre, centre, radius, fill="url(#ring)")]
-    for degrees in range(10, 351, 5):
-        long = degrees % 30 == 0
-        shapes.append(spoke(centre, centre, 90.0 if long else 94.5, 101.0, degrees, stroke="#0d141c",
-                            stroke_width=1.6 if long else 1.1))
-    half, edge = 3.0, 1.2
-    shapes += [rect(centre - half - edge, centre - band_outer - 2.5, 2 * (half + edge), band_outer - band_inner + 5.5,
-                    half + edge, fill="#0b1118"),
-               rect(centre - half, centre - band_outer - 1.3, 2 * half, band_outer - band_inner + 3.1, half,
-                    fill=ORANGE)]
+    half, edge, top, bottom = 3.0, 1.2, centre - 103.0, centre - 84.4
+    shapes += [rect(centre - half - edge, top, 2 * (half + edge), bottom - top, half + edge, fill="#0b1118"),
+               rect(centre - half, top + edge, 2 * half, bottom - top - 2 * edge, half, fill=ORANGE)]
     drawing.add(group([group(shapes)]))
     drawing.save(HERE / "followWheel.svg")
 
