@@ -29,8 +29,9 @@ BAND_INNER, BAND_OUTER = 82.5, 105.0      # of the dial, in which its index mark
 
 FLUTES = 60                # grip flutes round a knob's skirt
 GRAIN = 0.042              # opacity of the coat's grain
-LABEL_CAP, LABEL_STEM, LABEL_TRACKING = 8.6, 108, 70
-LABEL_BASELINE = 512.0
+# Even heights and baselines, so that at half size, in which the window first opens, letters stand on whole pixels.
+LABEL_CAP, LABEL_STEM, LABEL_TRACKING = 10.0, 120, 50
+LABEL_BASELINE = 514.0
 
 
 def centre(box):
@@ -227,7 +228,7 @@ def strap():
 def half(title):
     shapes = plate() + wheel(title)
     shapes += window(RANGE, "range") + window(SNAP, "range")
-    shapes += label("RANGE", centre(RANGE)[0], 87.5) + label("SNAP", centre(SNAP)[0], 87.5)
+    shapes += label("RANGE", centre(RANGE)[0], 88.0) + label("SNAP", centre(SNAP)[0], 88.0)
     for name, box in KNOBS.items():
         shapes += knob(box) + label(name, centre(box)[0], LABEL_BASELINE)
     return shapes
@@ -237,8 +238,8 @@ def main():
     art = Drawing(1024, 576, "Panel")
     define_materials(art)
     left = half("PITCH") + maker_mark()
-    left += window(MIDI, "midi") + label("MIDI", centre(MIDI)[0], LABEL_BASELINE - 4)
-    left += piano() + knob(MIXER) + label("MIX", centre(MIXER)[0], 566.0) + size_mark()
+    left += window(MIDI, "midi") + label("MIDI", centre(MIDI)[0], LABEL_BASELINE - 6)
+    left += piano() + knob(MIXER) + label("MIX", centre(MIXER)[0], 566.0, cap=9.0) + size_mark()
     right = half("TIMBRE") + timbre_mark() + strap()
     art.add(group(left), group(right, transform=f"translate({num(HALF)} 0)"))
     art.save(HERE / "background.svg")
