@@ -10,6 +10,8 @@ namespace
 {
 constexpr float pathRadius = 0.416f;         // of the smaller side
 constexpr float naturalSliderWidth = 356.0f; // pixels: the width at which the picture keeps its own size
+
+float scaleIn (juce::Rectangle<int> wheel) { return static_cast<float> (wheel.getWidth()) / naturalSliderWidth; }
 } // namespace
 
 MainRotaryDraw::MainRotaryDraw()
@@ -35,9 +37,13 @@ juce::Rectangle<int> MainRotaryDraw::puckArea (juce::Slider& wheel) const
     const auto angle = rotaryAngle (static_cast<float> (wheel.valueToProportionOfLength (wheel.getValue())),
                                     sweep.startAngleRadians, sweep.endAngleRadians);
 
-    return puckImg.getBounds()
-        .toFloat()
-        .transformedBy (puckTransform (wheel.getLocalBounds(), angle))
+    // The picture's ink lies within the ellipse that fills it: its corners are transparent. So the circle around that
+    // ellipse holds the puck at every angle, in as little as half the pixels of the turned picture's rectangle.
+    const auto picture = puckImg.getBounds().toFloat();
+    const auto diameter = juce::jmax (picture.getWidth(), picture.getHeight()) * scaleIn (wheel.getLocalBounds());
+
+    return juce::Rectangle<float> (diameter, diameter)
+        .withCentre (picture.getCentre().transformedBy (puckTransform (wheel.getLocalBounds(), angle)))
         .getSmallestIntegerContainer()
         .expanded (1); // the resampling blends over the edge
 }
@@ -50,7 +56,7 @@ juce::AffineTransform MainRotaryDraw::puckTransform (juce::Rectangle<int> wheel,
 
     return juce::AffineTransform::rotation (angle, imageCentre.x, imageCentre.y)
         .translated (-imageCentre)
-        .scaled (static_cast<float> (wheel.getWidth()) / naturalSliderWidth)
+        .scaled (scaleIn (wheel))
         .translated (pointOnCircle (centre.toFloat(), radius, angle));
 }
 } // namespace tarvelline
