@@ -158,12 +158,12 @@ juce::Rectangle<float> FollowDial::numberBox() const
     return bounds.withSizeKeepingCentre (bounds.getWidth() * 0.8f, bounds.getHeight() * 0.25f);
 }
 
-/** What the widest number covers. */
+/** What the widest number covers: a swing while a far note transposes. */
 juce::Rectangle<int> FollowDial::numberArea() const
 {
     const auto font = dialFont.withHeight (static_cast<float> (getHeight()) * numberHeight);
     return numberBox()
-        .withSizeKeepingCentre (font.getStringWidthFloat ("-24.00"), font.getHeight())
+        .withSizeKeepingCentre (font.getStringWidthFloat ("-100.00"), font.getHeight())
         .getSmallestIntegerContainer()
         .expanded (1);
 }
