@@ -21,7 +21,7 @@ const Mistake mistakes[] = {
     { "in.wav out.wav --semitones 5 --set mainRange=1", "mainRange", "leave out" },
     { "in.wav out.wav --block 0", "--block 0", "1 to 65536" },
     { "gone.wav out.wav", "gone.wav", "there is no file" },
-    { "notes.csv out.wav", "notes.csv", "WAV or AIFF" },
+    { "notes.csv out.wav", "notes.csv", "WAV, AIFF or FLAC" },
     { "five.wav out.wav", "five.wav", "mono or stereo" },
     { "cut.wav out.wav", "cut.wav", "cut off" },
     { "in.wav in.wav", "in.wav", "another file" },
