@@ -86,7 +86,12 @@ std::vector<Task> tasksInto (const juce::File& folder, const juce::StringArray& 
 
 void checkTargets (Options& options, Task& task)
 {
-    if (options.outputFolder != juce::File() && options.outputFolder.createDirectory().failed())
+    std::error_code ignored; // another process may make the folder at the same moment
+
+    if (options.outputFolder != juce::File())
+        std::filesystem::create_directories (pathOf (options.outputFolder), ignored);
+
+    if (options.outputFolder != juce::File() && ! options.outputFolder.isDirectory())
         throw UserError ("--out-dir: cannot make the folder " + options.outputFolder.getFullPathName());
 
     const std::array<std::pair<const char*, juce::File*>, 3> targets {

@@ -14,8 +14,8 @@ usage: tarvelline-render IN OUT [options]
        tarvelline-render IN... --out-dir DIR [options]
        tarvelline-render --save-state FILE [options]
 
-IN is a WAV, AIFF or FLAC file, mono or stereo, at any sample rate. OUT becomes a file of the kind its ending names: .wav, .aif,
-.aiff or .flac, of the same rate and channels. The two line up to the sample: the plug-in's latency is taken out. OUT is one
+IN is a WAV, AIFF or FLAC file, mono or stereo, at any sample rate. OUT becomes a file of the kind that its ending names (.wav,
+.aif, .aiff or .flac), of the same rate and channels. The two line up to the sample: the latency is taken out. OUT is one
 latency longer than IN, for what rings on.
 
 Sound:

@@ -65,9 +65,9 @@ void printTable (const Options& options, const std::vector<WorkOutcome>& outcome
         auto lines = juce::StringArray::fromLines (juce::String::fromUTF8 (outcomes[i].text.c_str()));
         lines.removeEmptyStrings();
         written += outcomes[i].exitCode == done;
-        std::printf ("%s  %s  %s\n", name.paddedRight (' ', static_cast<int> (widest)).toRawUTF8(),
-                     describe (outcomes[i]).paddedRight (' ', 7).toRawUTF8(),
-                     lines.joinIntoString ("\n    ").toRawUTF8());
+        const auto line = name.paddedRight (' ', static_cast<int> (widest)) + "  "
+                          + describe (outcomes[i]).paddedRight (' ', 7) + "  " + lines.joinIntoString ("\n    ");
+        std::puts (line.trimEnd().toRawUTF8());
     }
 
     std::printf ("%d of %d files written\n", static_cast<int> (written), static_cast<int> (outcomes.size()));
