@@ -37,6 +37,10 @@ std::unique_ptr<juce::AudioFormatReader> openRecording (const juce::File& file)
         return reader;
     }
 
+    if (reader->bitsPerSample % 8 != 0 || reader->bitsPerSample > 32)
+        throw UserError ("IN: " + path + " has samples of " + juce::String (reader->bitsPerSample)
+                         + " bits; give 8, 16, 24 or 32");
+
     const auto bytes = reader->lengthInSamples * reader->numChannels * reader->bitsPerSample / 8;
 
     if (file.getSize() < bytes)
