@@ -7,7 +7,9 @@
 #include "tools/render/Terminal.h"
 #include "tools/render/Workers.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <functional>
 
 using namespace tarvelline::render;
 

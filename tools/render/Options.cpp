@@ -34,14 +34,14 @@ void setSemitones (Options& options, const juce::String& text)
         throw UserError ("--semitones " + text + ": give a number from -24 to +24");
 }
 
-void setBlockSize (Options& options, const juce::String& text)
+int wholeNumber (const juce::String& option, const juce::String& text, int most)
 {
-    const auto size = parseNumber (text);
+    const auto number = parseNumber (text);
 
-    if (! size || *size < 1.0 || *size > largestBlock || *size != std::floor (*size))
-        throw UserError ("--block " + text + ": give a whole number of samples from 1 to 65536");
+    if (! number || *number < 1.0 || *number > most || *number != std::floor (*number))
+        throw UserError (option + " " + text + ": give a whole number from 1 to " + juce::String (most));
 
-    options.blockSize = static_cast<int> (*size);
+    return static_cast<int> (*number);
 }
 
 void setBits (Options& options, const juce::String& text)
@@ -50,17 +50,6 @@ void setBits (Options& options, const juce::String& text)
         throw UserError ("--bits " + text + ": give 16 or 24 (integer) or 32 (float)");
 
     options.bits = text.getIntValue();
-}
-
-void setJobs (Options& options, const juce::String& text)
-{
-    const auto jobs = parseNumber (text);
-
-    if (! jobs || *jobs < 1.0 || *jobs > mostJobs || *jobs != std::floor (*jobs))
-        throw UserError ("--jobs " + text + ": give a whole number of files at once from 1 to "
-                         + juce::String (mostJobs));
-
-    options.jobs = static_cast<int> (*jobs);
 }
 
 void setFormat (Options& options, const juce::String& text)
@@ -82,11 +71,12 @@ const std::array<Row, 14> rows { {
     { "--semitones", setSemitones },
     { "--midi", [] (Options& o, const juce::String& text) { o.midi = fileNamed (text); } },
     { "--automate", [] (Options& o, const juce::String& text) { o.automation = fileNamed (text); } },
-    { "--block", setBlockSize },
+    { "--block",
+      [] (Options& o, const juce::String& text) { o.blockSize = wholeNumber ("--block", text, largestBlock); } },
     { "--module", [] (Options& o, const juce::String& text) { o.module = fileNamed (text); } },
     { "--plot", [] (Options& o, const juce::String& text) { o.plot = fileNamed (text); } },
     { "--bits", setBits },
-    { "--jobs", setJobs },
+    { "--jobs", [] (Options& o, const juce::String& text) { o.jobs = wholeNumber ("--jobs", text, mostJobs); } },
     { "--format", setFormat },
     { "--out-dir", [] (Options& o, const juce::String& text) { o.outputFolder = fileNamed (text); } },
     { "--state", [] (Options& o, const juce::String& text) { o.state = fileNamed (text); } },

@@ -13,7 +13,9 @@
 
 #include <juce_events/juce_events.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <functional>
 
 namespace tarvelline::render
 {
