@@ -21,7 +21,7 @@ const Mistake mistakes[] = {
     { "in.wav out.wav --semitones 5 --set mainRange=1", "mainRange", "leave out" },
     { "in.wav out.wav --block 0", "--block 0", "1 to 65536" },
     { "gone.wav out.wav", "gone.wav", "there is no file" },
-    { "notes.csv out.wav", "notes.csv", "WAV or AIFF" },
+    { "notes.csv out.wav", "notes.csv", "WAV, AIFF or FLAC" },
     { "five.wav out.wav", "five.wav", "mono or stereo" },
     { "cut.wav out.wav", "cut.wav", "cut off" },
     { "in.wav in.wav", "in.wav", "another file" },
@@ -32,6 +32,18 @@ const Mistake mistakes[] = {
     { "in.wav out.wav --midi notes.csv", "notes.csv", "standard MIDI file" },
     { "in.wav out.wav --automate gone.csv", "gone.csv", "cannot read" },
     { "in.wav out.wav --automate notes.csv", "notes.csv, line 3", "seconds,parameterId,value" },
+    { "in.wav out.wav --automate bare.csv", "mixerPar to 0.5 s", "begins nowhere" },
+    { "in.wav out.wav --midi patterns.mid", "patterns.mid", "type 0 or 1" },
+    { "in.wav out.wav --state notes.csv", "notes.csv", ".vstpreset" },
+    { "in.wav out.wav --state cut.vstpreset", "cut.vstpreset", ".vstpreset" },
+    { "in.wav out.wav --preset nothing", "\"nothing\"", "--preset-list" },
+    { "in.wav out.mp3", "out.mp3", ".flac" },
+    { "in.wav out.flac --bits 32", "--bits 32", "16 or 24" },
+    { "cut.flac out.wav", "cut.flac", "cut off" },
+    { "wrong.flac out.wav", "wrong.flac", "damaged" },
+    { "in.wav out.wav --save-state out.wav", "out.wav", "another file" },
+    { "in.wav five.wav --out-dir . --plot plot.png", "--plot", "one IN" },
+    { "in.wav sub/in.aiff --out-dir .", "in.wav and sub/in.aiff", "two folders" },
     { "in.wav out.wav --module gone.vst3", "gone.vst3", "Tarvelline.vst3" },
     { "in.wav out.wav --module in.wav", "in.wav", "not the Tarvelline plug-in" },
 };
@@ -52,6 +64,12 @@ protected:
         file ("in.wav").createSymbolicLink (file ("link.wav"), true);
         file ("notes.csv").replaceWithText ("# a move\n0.5,mixerPar,1\n0.5;mixerPar;0\n");
         file ("out.wav").replaceWithText ("old");
+        file ("bare.csv").replaceWithText ("0.5,mixerPar,1,line\n");
+        const unsigned char patterns[] = "MThd\0\0\0\6\0\2\0\0\1\xe0"; // type 2
+        file ("patterns.mid").replaceWithData (patterns, sizeof (patterns) - 1);
+        EXPECT_EQ (run ("in.wav wrong.flac --set mixerPar=0 --save-state cut.vstpreset").exitCode, 0);
+        shell ("head -c 2500 wrong.flac > cut.flac; printf X | dd of=wrong.flac bs=1 seek=3000 conv=notrunc;"
+               "printf '<x' | dd of=cut.vstpreset bs=1 seek=56 conv=notrunc");
         filesBefore = filesThere();
     }
 
@@ -99,12 +117,35 @@ TEST_F (RenderErrorTest, InterruptionLeavesNothingBehind)
 {
     write ("in.wav", { 192000.0, { whiteNoise (4000000) } });
 
+    file ("in.wav").copyFileTo (file ("too.wav"));
+    filesBefore.add ("too.wav");
+    filesBefore.sort (false);
+
     for (const auto signal : { "INT", "TERM" })
-    {
-        const auto outcome = shell ("\"$RENDER\" in.wav out.wav --semitones 5 & while [ $(ls | wc -l) = "
-                                    + juce::String (filesBefore.size()) + " ]; do sleep 0.01; done; kill -"
-                                    + juce::String (signal) + " $!; wait $!");
-        EXPECT_EQ (outcome.exitCode, 130) << outcome.text;
-    }
+        for (const auto files : { "in.wav out.wav", "in.wav too.wav --out-dir . --jobs 2 --format flac" })
+        {
+            const auto outcome =
+                shell ("\"$RENDER\" " + juce::String (files)
+                       + " --semitones 5 & while [ $(ls | wc -l) = " + juce::String (filesBefore.size())
+                       + " ]; do sleep 0.01; done; kill -" + juce::String (signal) + " $!; wait $!");
+            EXPECT_EQ (outcome.exitCode, 130) << outcome.text;
+        }
+}
+// A failure that takes the others along, is told with a code of success, or left out of the table.
+TEST_F (RenderErrorTest, OneOfSeveralFilesFailsAlone)
+{
+    write ("My Song (2).wav", { 44100.0, { whiteNoise (1000, noiseSeed + 1) } });
+    const auto outcome = run ("in.wav five.wav 'My Song (2).wav' --jobs 2 --semitones 2 --out-dir made");
+    EXPECT_EQ (outcome.exitCode, 1);
+
+    for (const auto part : { "in.wav           written", "five.wav         failed   IN: ", "mono or stereo",
+                             "My Song (2).wav  written", "2 of 3 files written" })
+        EXPECT_TRUE (outcome.text.contains (part)) << part << " is not in " << outcome.text;
+
+    EXPECT_EQ (run ("'My Song (2).wav' alone.wav --semitones 2").exitCode, 0);
+    EXPECT_TRUE (file ("made/My-Song-2.wav").hasIdenticalContentTo (file ("alone.wav")));
+    filesBefore.addArray (
+        juce::StringArray { "My Song (2).wav", "alone.wav", "made", "made/My-Song-2.wav", "made/in.wav" });
+    filesBefore.sort (false);
 }
 } // namespace tarvelline::test

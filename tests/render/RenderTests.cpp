@@ -4,7 +4,9 @@
 
 #include <juce_graphics/juce_graphics.h>
 
+#include <algorithm>
 #include <cmath>
+#include <string_view>
 #include <tuple>
 
 namespace tarvelline::test
@@ -52,14 +54,47 @@ TEST_F (RenderTest, DryOutputIsTheInputToTheBitAndOneLatencyLonger)
         }
 }
 
-// A file of another kind, or samples rounded to fewer bits than asked for.
-TEST_F (RenderTest, IntegerFilesKeepTwentyFourBits)
+// Samples of another kind or order of bytes, or rounded to fewer bits than asked for; notes in the file that get lost.
+TEST_F (RenderTest, FormatsKeepTwentyFourBitsAndNotes)
 {
+    juce::StringPairArray notes;
+    notes.set (juce::WavAudioFormat::riffInfoTitle, "Blue tune");
+    notes.set (juce::WavAudioFormat::bwavTimeReference, "441000");
     write ("in.aiff", { 48000.0, { whiteNoise (10000) } });
-    ASSERT_EQ (run ("in.aiff out.wav --set mixerPar=0 --bits 24").exitCode, 0);
+    write ("notes.wav", { 48000.0, { read ("in.aiff").channels.front() } }, notes);
     auto expected = read ("in.aiff").channels.front();
-    expected.resize (expected.size() + latency);
-    EXPECT_TRUE (sameBits (read ("out.wav").channels.front(), expected));
+    expected.resize (expected.size() + 2 * latency);
+
+    for (const juce::String between : { "x.flac", "x.aif", "x.wav" })
+    {
+        ASSERT_EQ (run ("notes.wav " + between + " --set mixerPar=0 --bits 24").exitCode, 0);
+        ASSERT_EQ (run (between + " out.wav --set mixerPar=0").exitCode, 0);
+        EXPECT_TRUE (sameBits (read ("out.wav").channels.front(), expected)) << between;
+    }
+
+    juce::MemoryBlock bytes; // of what was made by way of x.wav
+    file ("out.wav").loadFileAsData (bytes);
+    EXPECT_NE (std::string_view (static_cast<char*> (bytes.getData()), bytes.getSize()).find ("Blue tune"),
+               std::string_view::npos);
+}
+
+// Rounding without dither, whose error follows the sound: of a level between two steps it would make one of them.
+TEST_F (RenderTest, SixteenBitsAreDithered)
+{
+    constexpr double step = 1.0 / 32768.0;
+    write ("in.wav", { rate, { Samples (100000, static_cast<float> (7.3 * step)) } });
+    const auto output = render ("--set mixerPar=0 --bits 16");
+    double sum = 0.0, squares = 0.0;
+
+    for (int i = 0; i < 100000; ++i)
+    {
+        const auto error = output[static_cast<std::size_t> (i)] / step - 7.3;
+        sum += error;
+        squares += error * error;
+    }
+
+    EXPECT_NEAR (sum / 100000, 0.0, 0.01);            // measured: 0.001 steps
+    EXPECT_NEAR (squares / 100000, 3.0 / 12.0, 0.01); // rounding and two dice, a twelfth each
 }
 
 // A setting that comes too late: the wheel would still be on its way in the first tenth of a second. A wrong span would be
@@ -98,6 +133,40 @@ TEST_F (RenderTest, AutomationComesAtItsSampleWhateverTheBlocks)
     }
 }
 
+// A line that begins or ends elsewhere, jumps, or depends on the blocks. Voices without notes are silent, so that the mixer
+// alone is heard.
+TEST_F (RenderTest, AutomationMovesInStraightLines)
+{
+    write ("in.wav", { rate, { Samples (30000, 1.0f) } });
+    file ("fade.csv").replaceWithText ("seconds,parameterId,value,shape\n0.4,mixerPar,1,line\n0.2,mixerPar,0\n");
+    const juce::String options = "--set midiOptions=0 --set mixerPar=0 --automate fade.csv --block ";
+    const auto output = render (options + "512");
+
+    for (std::size_t i = 0; i + latency < 30000; ++i)
+        ASSERT_NEAR (output[i], std::clamp (2.0 - static_cast<double> (i + latency) / 8820.0, 0.0, 1.0), 33.0 / 8820.0)
+            << i;
+
+    for (const auto block : { "1", "77" })
+        EXPECT_TRUE (sameBits (render (options + block), output)) << block;
+}
+
+// A setting that a state leaves out, sets in the wrong order (a range moves its wheel) or puts before the command line's.
+TEST_F (RenderTest, StatesAndPresetsSoundLikeTheirSettings)
+{
+    write ("in.wav", { rate, { whiteNoise (30000) } });
+    const juce::String made = "--set mainWheelPar=0.7 --set mainRange=1 --set mixerPar=0.9 --set timbWheelPar=0.2",
+                       more = " --set toggleSize=1";
+    const auto expected = render (made + more);
+    ASSERT_EQ (run ("--save-state x.vstpreset " + made).exitCode, 0);
+    EXPECT_TRUE (sameBits (render ("--state x.vstpreset" + more), expected));
+
+    const auto installed = file (".vst3/presets/Vorntaal/Tarvelline/Own Sound.vstpreset");
+    ASSERT_TRUE (installed.getParentDirectory().createDirectory() && file ("x.vstpreset").moveFileTo (installed));
+    EXPECT_TRUE (shell ("HOME=$PWD \"$RENDER\" --preset-list").text.contains ("Own Sound  "));
+    ASSERT_EQ (shell ("HOME=$PWD \"$RENDER\" in.wav out.wav --preset 'own sound'" + more).exitCode, 0);
+    EXPECT_TRUE (sameBits (read ("out.wav").channels.front(), expected));
+}
+
 // Notes handed on early, late, in the wrong tempo, or lost; an event dropped because others come at the same time.
 TEST_F (RenderTest, NotesTransposeAndBlocksDoNotMatter)
 {
@@ -124,6 +193,20 @@ TEST_F (RenderTest, NotesTransposeAndBlocksDoNotMatter)
 
     for (const auto block : { "1", "4096" })
         EXPECT_TRUE (sameBits (render (options + block), output)) << block;
+
+    // The same by frames instead of beats, 30 a second and 29.97.
+    for (const auto& [frames, ticks] : { std::pair { 30, 3000.0 }, { 29, 2997.0 } })
+    {
+        for (auto* event : events)
+            event->message.setTimeStamp (ticks);
+
+        midi.clear();
+        midi.setSmpteTimeFormat (frames, 100);
+        midi.addTrack (events);
+        file ("notes.mid").deleteFile();
+        ASSERT_TRUE (midi.writeTo (*file ("notes.mid").createOutputStream()));
+        EXPECT_TRUE (sameBits (render (options + "512"), output)) << frames;
+    }
 }
 
 // A curve on the wrong side or scale of its axis.

@@ -14,6 +14,7 @@ struct TimedSetting
 {
     double seconds = 0.0;
     Setting setting;
+    bool onLine = false; // the value moves here in a straight line from the same parameter's change before
 };
 
 struct TimedMessage
@@ -22,11 +23,13 @@ struct TimedMessage
     juce::MidiMessage message;
 };
 
-/** The changes in a text of lines "seconds,parameterId,value", in order of time. Empty lines, what follows a #, and a first
-    line of just these three words are passed over. Throws UserError, naming file and line. */
+/** The changes in a text of lines "seconds,parameterId,value" or "seconds,parameterId,value,line", in order of time, and at
+    one time in the order of parameterTable. Empty lines, what follows a #, and a first line that begins with just these
+    three words are passed over. Throws UserError, naming the file and mostly the line. */
 std::vector<TimedSetting> readAutomation (const juce::File&);
 
-/** The notes and pitch-bends of all tracks of a standard MIDI file, in order of time; of events at the same time those that
-    end notes come first. Throws UserError when the file is none. */
+/** The notes and pitch-bends of all tracks of a standard MIDI file, timed by its tempo map or its frames; in order of time,
+    and at one time those that end notes come first. Throws UserError when the file is none, or of type 2, whose tracks
+    have no common time. */
 std::vector<TimedMessage> readMidi (const juce::File&);
 } // namespace tarvelline::render

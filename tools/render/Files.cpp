@@ -3,7 +3,9 @@
 
 #include "tools/render/Errors.h"
 
+#include <array>
 #include <filesystem>
+#include <map>
 
 namespace tarvelline::render
 {
@@ -34,22 +36,79 @@ void checkTarget (const juce::String& name, juce::File& target, const Options& o
     if (! target.getParentDirectory().isDirectory())
         throw UserError (name + ": there is no folder " + target.getParentDirectory().getFullPathName());
 
-    for (const auto& source : { options.input, options.midi, options.automation })
+    juce::Array<juce::File> sources { options.midi, options.automation, options.state };
+
+    for (const auto& task : options.tasks)
+        sources.add (task.input);
+
+    for (const auto& source : sources)
         if (isSame (source, target))
             throw UserError (name + ": " + path + " is also read; name another file");
 }
+
+juce::String shellFriendly (const juce::String& name)
+{
+    juce::String kept;
+
+    // What is not ASCII is a letter as likely as not, and no shell reads a meaning into it.
+    for (auto c = name.getCharPointer(); ! c.isEmpty(); ++c)
+        if (*c > 127 || c.isLetterOrDigit() || juce::String ("._+-").containsChar (*c))
+            kept << *c;
+        else if (! kept.endsWithChar ('-'))
+            kept << '-';
+
+    kept = kept.trimCharactersAtStart (".-").trimCharactersAtEnd ("-");
+    return kept.isEmpty() ? "recording" : kept;
+}
 } // namespace
 
-void checkTargets (Options& options)
+juce::File fileNamed (const juce::String& path) { return juce::File::getCurrentWorkingDirectory().getChildFile (path); }
+
+std::vector<Task> tasksInto (const juce::File& folder, const juce::StringArray& recordings, const juce::String& ending)
 {
-    checkTarget ("OUT", options.output, options);
+    std::vector<Task> tasks;
+    std::map<juce::String, juce::String> sources;
 
-    if (options.plot == juce::File())
-        return;
+    for (const auto& recording : recordings)
+    {
+        const auto input = fileNamed (recording);
+        const auto name = shellFriendly (input.getFileNameWithoutExtension()) + "." + ending;
 
-    checkTarget ("--plot", options.plot, options);
+        if (const auto [before, isNew] = sources.emplace (name, recording); ! isNew)
+            throw UserError (before->second + " and " + recording + " would both become " + name
+                             + "; render them into two folders");
 
-    if (isSame (options.plot, options.output))
-        throw UserError ("--plot: " + options.plot.getFullPathName() + " is OUT; name another file");
+        tasks.push_back ({ input, folder.getChildFile (name) });
+    }
+
+    return tasks;
+}
+
+void checkTargets (Options& options, Task& task)
+{
+    std::error_code ignored; // another process may make the folder at the same moment
+
+    if (options.outputFolder != juce::File())
+        std::filesystem::create_directories (pathOf (options.outputFolder), ignored);
+
+    if (options.outputFolder != juce::File() && ! options.outputFolder.isDirectory())
+        throw UserError ("--out-dir: cannot make the folder " + options.outputFolder.getFullPathName());
+
+    const std::array<std::pair<const char*, juce::File*>, 3> targets {
+        { { "OUT", &task.output }, { "--plot", &options.plot }, { "--save-state", &options.savedState } }
+    };
+
+    for (auto target = targets.begin(); target != targets.end(); ++target)
+    {
+        if (*target->second == juce::File())
+            continue;
+
+        checkTarget (target->first, *target->second, options);
+
+        for (auto earlier = targets.begin(); earlier != target; ++earlier)
+            if (isSame (*earlier->second, *target->second))
+                throw UserError (juce::String (target->first) + ": " + target->second->getFullPathName() + " is "
+                                 + earlier->first + "; name another file");
+    }
 }
 } // namespace tarvelline::render

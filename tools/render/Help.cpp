@@ -8,22 +8,47 @@ namespace tarvelline::render
 {
 namespace
 {
-constexpr auto usage = R"(Plays a recording through the Tarvelline plug-in, as a host does, and writes the result.
+constexpr auto usage = R"(Plays recordings through the Tarvelline plug-in, as a host does, and writes the results.
 
 usage: tarvelline-render IN OUT [options]
+       tarvelline-render IN... --out-dir DIR [options]
+       tarvelline-render --save-state FILE [options]
 
-IN is a WAV or AIFF file, mono or stereo, at any sample rate. OUT becomes a WAV file of the same rate and channels. The two
-line up to the sample: the plug-in's latency is taken out. OUT is one latency longer than IN, for what rings on.
+IN is a WAV, AIFF or FLAC file, mono or stereo, at any sample rate. OUT becomes a file of the kind that its ending names (.wav,
+.aif, .aiff or .flac), of the same rate and channels. The two line up to the sample: the latency is taken out. OUT is one
+latency longer than IN, for what rings on.
 
+Sound:
   --set ID=VALUE      a parameter's setting from the first sample on; VALUE is normalised, 0 to 1; may be repeated
   --semitones S       a steady shift, -24 to +24: chooses the narrowest pitch range that reaches it, and the wheel
-  --midi FILE         plays the notes and pitch-bends of a standard MIDI file (all tracks and channels, its own tempo)
-  --automate FILE     moves parameters: lines of "seconds,parameterId,value", value 0 to 1; # begins a comment
-  --block N           samples the plug-in gets at once, 512 unless given; events split blocks and come at their sample
-  --bits 24|32        24-bit integer or 32-bit float samples; 32 unless given, which cannot clip
+  --preset NAME       begins with a preset of the plug-in; --set and --semitones change it
+  --preset-list       lists the presets that are installed
+  --state FILE        begins with a state of the plug-in, saved by --save-state or as a preset by a host (.vstpreset)
+  --midi FILE         plays the notes and pitch-bends of a standard MIDI file (all tracks and channels, its tempo map)
+  --automate FILE     moves parameters: lines of "seconds,parameterId,value", value 0 to 1; # begins a comment.
+                      "seconds,parameterId,value,line" is reached in a straight line from the parameter's value before
+
+Files:
+  --out-dir DIR       renders any number of IN into a folder, under their names; characters that shells read become -
+  --jobs N            files at once, each in a process with a plug-in of its own; 1 unless given
+  --format KIND       wav, aiff or flac files in the folder; wav unless given
+  --bits 16|24|32     bits of a sample: 16 with dither, 24, or 32-bit float, which cannot clip and only WAV has; the most
+                      that the kind has unless given
   --plot FILE.png     draws spectrograms of IN and OUT, with the shift that sounds
-  --module PATH       the plug-in to load, Tarvelline.vst3; else the one built with this program, then those installed
+  --save-state FILE   writes the state that playing begins with, as a .vstpreset; without IN it plays nothing
+
+Other:
+  --module PATH       the plug-in to load, Tarvelline.vst3; else the one built or installed with this program, then
+                      those in ~/.vst3, /usr/local/lib/vst3 and /usr/lib/vst3
+  --block N           samples the plug-in gets at once, 512 unless given; events split blocks and come at their sample
   --help, --version
+
+Examples:
+  tarvelline-render in.wav out.wav --semitones -5
+  tarvelline-render in.wav out.flac --preset "Tape Stop" --automate moves.csv --plot moves.png
+  tarvelline-render in.wav choir.wav --midi chord.mid --set midiOptions=0
+  tarvelline-render takes/*.wav --out-dir shifted --jobs 4 --semitones 7 --bits 24
+  tarvelline-render --save-state mine.vstpreset --semitones 3 --set mixerPar=0.5
 
 Parameters (ID, name, value unless set, meaning):
 )";
@@ -37,7 +62,9 @@ transposition outlasts the note; at 0 every held note is a voice, up to eight, a
 mixer sounds. A wheel's move acts on what leaves the plug-in and so sounds up to one latency before its time in OUT, as in
 any host; voices begin in time. Of notes at the same time each comes one sample after the one before.
 
-Ends with 0, with 2 after an error (OUT is then left as it was), with 130 when interrupted.
+Files are written beside their place and moved there once they are whole. Ends with 0 when all is done; with 1 when of
+several files some failed, which a table at the end names; with 2 after an error, and then leaves OUT as it was; with 130
+when interrupted.
 )";
 
 // In the order of parameterTable.

@@ -12,11 +12,17 @@ constexpr auto moduleName = "Tarvelline.vst3";
 
 juce::Array<juce::File> usualPlaces()
 {
-    const juce::File home = juce::File::getSpecialLocation (juce::File::userHomeDirectory);
-    return { juce::File (TARVELLINE_MODULE), home.getChildFile (".vst3").getChildFile (moduleName),
+    using Place = juce::File::SpecialLocationType;
+    const auto home = juce::File::getSpecialLocation (Place::userHomeDirectory);
+    const auto program = juce::File::getSpecialLocation (Place::hostApplicationPath).getParentDirectory();
+    return { program.getChildFile (TARVELLINE_MODULE_FROM_HERE),
+             program.getChildFile ("../lib/vst3").getChildFile (moduleName),
+             home.getChildFile (".vst3").getChildFile (moduleName),
              juce::File ("/usr/local/lib/vst3").getChildFile (moduleName),
              juce::File ("/usr/lib/vst3").getChildFile (moduleName) };
 }
+
+} // namespace
 
 juce::File findModule (const juce::File& asked)
 {
@@ -39,7 +45,6 @@ juce::File findModule (const juce::File& asked)
     throw UserError ("the plug-in is in none of the usual places; build it, or name it with --module. Looked for:"
                      + searched);
 }
-} // namespace
 
 HostedModule::HostedModule (const juce::File& asked)
 {
@@ -94,6 +99,23 @@ void HostedModule::prepare (double sampleRate, int channels, int largestBlock, c
     process (none, { 0, 0, settings, {} });
     instance->releaseResources();
     instance->prepareToPlay (sampleRate, largestBlock);
+}
+
+juce::MemoryBlock HostedModule::getPreset() const
+{
+    struct Reader : juce::ExtensionsVisitor
+    {
+        void visitVST3Client (const VST3Client& client) override { preset = client.getPreset(); }
+        juce::MemoryBlock preset;
+    };
+
+    Reader reader;
+    instance->getExtensions (reader);
+
+    if (reader.preset.isEmpty())
+        throw UserError ("the plug-in does not tell its state");
+
+    return reader.preset;
 }
 
 void HostedModule::apply (const std::vector<Setting>& settings)

@@ -1,128 +1,34 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/render/Errors.h"
-#include "tools/render/Figure.h"
-#include "tools/render/Files.h"
+#include "tools/render/HostedModule.h"
 #include "tools/render/Options.h"
-#include "tools/render/Renderer.h"
+#include "tools/render/Presets.h"
+#include "tools/render/RenderFile.h"
 #include "tools/render/Terminal.h"
+#include "tools/render/Workers.h"
 
-#include <juce_events/juce_events.h>
-
+#include <algorithm>
 #include <cstdio>
+#include <functional>
 
 using namespace tarvelline::render;
 
 namespace
 {
-void printSummary (const Options& options, const WavOutput& out, double rate, int latency, const RenderResult& result)
+enum ExitCode
 {
-    const auto seconds = static_cast<double> (out.getLength()) / rate;
-    const auto peak = juce::Decibels::gainToDecibels (result.peak, -144.0f);
+    done = 0,
+    someFailed = 1,
+    failed = 2,
+    stopped = 130 // 128 + SIGINT, as a shell reports it
+};
 
-    std::printf (
-        "%s: %.2f s, peak %.1f dBFS, latency %d samples (%.1f ms) taken out, %.1f times faster than real time\n",
-        options.output.getFullPathName().toRawUTF8(), seconds, static_cast<double> (peak), latency,
-        1000.0 * latency / rate, seconds / result.seconds);
-
-    if (options.bits == 24 && result.peak > 1.0f)
-        std::fprintf (stderr, "note: %.1f dB too loud for 24 bits, and clipped; 32 bits keep it\n",
-                      static_cast<double> (peak));
-
-    if (result.unplayedEvents > 0)
-        std::fprintf (stderr, "note: %d events come after the end and are not played\n", result.unplayedEvents);
-}
-
-// Into a temporary file beside the plot's place, to be moved there.
-void drawPlot (const Options& options, const juce::TemporaryFile& plot, const ShiftTrace& trace,
-               const juce::File& rendered, int latency)
+int guarded (const char* prefix, const std::function<void()>& work)
 {
-    const auto before = openRecording (options.input), after = openRecording (rendered);
-    const auto image = drawFigure (*before, *after, options.input.getFileName(), options.output.getFileName(),
-                                   trace.getPoints(), latency);
-    juce::FileOutputStream stream (plot.getFile());
-
-    if (stream.failedToOpen() || ! juce::PNGImageFormat().writeImageToStream (image, stream))
-        throw UserError ("--plot: cannot write " + options.plot.getFullPathName());
-
-    stream.flush();
-
-    if (stream.getStatus().failed())
-        throw UserError ("--plot: cannot write all of " + options.plot.getFullPathName() + "; is the disk full?");
-}
-
-void render (Options options)
-{
-    checkTargets (options);
-    const auto in = openRecording (options.input);
-    const auto changes =
-        options.automation == juce::File() ? std::vector<TimedSetting>() : readAutomation (options.automation);
-    const auto messages = options.midi == juce::File() ? std::vector<TimedMessage>() : readMidi (options.midi);
-
-    const auto channels = static_cast<int> (in->numChannels);
-    HostedModule module (options.module);
-    module.prepare (in->sampleRate, channels, options.blockSize, options.settings);
-
-    std::optional<ShiftTrace> trace;
-    std::optional<juce::TemporaryFile> plot;
-
-    if (options.plot != juce::File())
-    {
-        trace.emplace (in->sampleRate, options.settings);
-        plot.emplace (options.plot);
-    }
-
-    WavOutput out (options.output, in->sampleRate, channels, options.bits);
-    const auto result = renderRecording (*in, module, { changes, messages, in->sampleRate }, options.blockSize, out,
-                                         [&] (const Block& block)
-                                         {
-                                             if (trace)
-                                                 trace->play (block);
-                                         });
-    out.finish();
-
-    if (plot)
-        drawPlot (options, *plot, *trace, out.getTemporaryFile(), module.getLatency());
-
-    if (interrupted())
-        throw Interrupted();
-
-    out.commit();
-
-    if (plot && ! plot->overwriteTargetFileWithTemporary())
-        throw UserError ("--plot: cannot replace " + options.plot.getFullPathName());
-
-    printSummary (options, out, in->sampleRate, module.getLatency(), result);
-}
-
-int run (const juce::StringArray& arguments)
-{
-    const auto options = parseOptions (arguments);
-
-    if (options.action == Options::Action::showHelp)
-        std::fputs (helpText().toRawUTF8(), stdout);
-    else if (options.action == Options::Action::showVersion)
-        std::puts ("tarvelline-render " TARVELLINE_VERSION);
-    else
-        render (options);
-
-    return 0;
-}
-} // namespace
-
-int main (int count, char** values)
-{
-    constexpr int failed = 2, stopped = 130; // 128 + SIGINT, as a shell reports it
-    juce::StringArray arguments;
-
-    for (int i = 1; i < count; ++i)
-        arguments.add (juce::String::fromUTF8 (values[i]));
-
-    const juce::ScopedJuceInitialiser_GUI framework; // the module's interface wants a message thread
-    noteInterrupts();
-
     try
     {
-        return run (arguments);
+        work();
+        return done;
     }
     catch (const Interrupted&)
     {
@@ -130,7 +36,107 @@ int main (int count, char** values)
     }
     catch (const std::exception& error)
     {
-        std::fprintf (stderr, "tarvelline-render: %s\n", error.what());
+        std::fprintf (stderr, "%s%s\n", prefix, error.what());
         return failed;
     }
+}
+
+juce::String describe (const WorkOutcome& outcome)
+{
+    switch (outcome.exitCode)
+    {
+        case done: return "written";
+        case failed: return "failed";
+        case -1:
+        case stopped: return "stopped";
+        default: return "crashed (" + juce::String (outcome.exitCode) + ")";
+    }
+}
+
+// One line a file, and what it printed.
+void printTable (const Options& options, const std::vector<WorkOutcome>& outcomes)
+{
+    std::size_t widest = 0, written = 0;
+
+    for (const auto& task : options.tasks)
+        widest = std::max (widest, static_cast<std::size_t> (task.input.getFileName().length()));
+
+    for (std::size_t i = 0; i < outcomes.size(); ++i)
+    {
+        const auto name = options.tasks[i].input.getFileName();
+        auto lines = juce::StringArray::fromLines (juce::String::fromUTF8 (outcomes[i].text.c_str()));
+        lines.removeEmptyStrings();
+        written += outcomes[i].exitCode == done;
+        const auto line = name.paddedRight (' ', static_cast<int> (widest)) + "  "
+                          + describe (outcomes[i]).paddedRight (' ', 7) + "  " + lines.joinIntoString ("\n    ");
+        std::puts (line.trimEnd().toRawUTF8());
+    }
+
+    std::printf ("%d of %d files written\n", static_cast<int> (written), static_cast<int> (outcomes.size()));
+}
+
+int renderAll (const Options& options)
+{
+    const auto count = static_cast<int> (options.tasks.size());
+    const auto work = [&] (int i)
+    { return guarded ("", [&] { renderFile (options, options.tasks[static_cast<std::size_t> (i)]); }); };
+    std::vector<WorkOutcome> outcomes;
+
+    {
+        Progress progress;
+        outcomes = runWorkers (count, options.jobs, work, [&] (int finished) { progress.show (finished, count); });
+    }
+
+    printTable (options, outcomes);
+
+    if (interrupted())
+        return stopped;
+
+    return std::all_of (outcomes.begin(), outcomes.end(), [] (const auto& o) { return o.exitCode == done; })
+               ? done
+               : someFailed;
+}
+
+void listPresets (const Options& options)
+{
+    const auto presets = findPresets (findModule (options.module));
+
+    for (const auto& preset : presets)
+        std::printf ("%s  %s\n", preset.getFileNameWithoutExtension().paddedRight (' ', 24).toRawUTF8(),
+                     preset.getFullPathName().toRawUTF8());
+
+    if (presets.empty())
+        std::fputs ("no presets are installed\n", stderr);
+}
+
+int run (const Options& options)
+{
+    switch (options.action)
+    {
+        case Options::Action::showHelp: std::fputs (helpText().toRawUTF8(), stdout); break;
+        case Options::Action::showVersion: std::puts ("tarvelline-render " TARVELLINE_VERSION); break;
+        case Options::Action::listPresets: listPresets (options); break;
+        case Options::Action::saveState: saveStateOnly (options); break;
+        case Options::Action::render:
+            if (options.tasks.size() > 1)
+                return renderAll (options);
+
+            renderFile (options, options.tasks.front());
+    }
+
+    return done;
+}
+} // namespace
+
+int main (int count, char** values)
+{
+    juce::StringArray arguments;
+
+    for (int i = 1; i < count; ++i)
+        arguments.add (juce::String::fromUTF8 (values[i]));
+
+    noteInterrupts();
+    int code = done;
+    const auto failure = guarded ("tarvelline-render: ", [&] { code = run (parseOptions (arguments)); });
+    return failure != done ? failure : code;
 }

@@ -3,6 +3,8 @@
 
 #include "processor/Parameters.h"
 #include "tools/render/Errors.h"
+#include "tools/render/Files.h"
+#include "tools/render/RecordingOutput.h"
 
 #include <algorithm>
 #include <array>
@@ -13,8 +15,7 @@ namespace tarvelline::render
 namespace
 {
 constexpr int largestBlock = 65536; // samples; more than any host uses
-
-juce::File fileNamed (const juce::String& path) { return juce::File::getCurrentWorkingDirectory().getChildFile (path); }
+constexpr int mostJobs = 256;       // more than any machine gains by
 
 void addSetting (Options& options, const juce::String& text)
 {
@@ -33,22 +34,30 @@ void setSemitones (Options& options, const juce::String& text)
         throw UserError ("--semitones " + text + ": give a number from -24 to +24");
 }
 
-void setBlockSize (Options& options, const juce::String& text)
+int wholeNumber (const juce::String& option, const juce::String& text, int most)
 {
-    const auto size = parseNumber (text);
+    const auto number = parseNumber (text);
 
-    if (! size || *size < 1.0 || *size > largestBlock || *size != std::floor (*size))
-        throw UserError ("--block " + text + ": give a whole number of samples from 1 to 65536");
+    if (! number || *number < 1.0 || *number > most || *number != std::floor (*number))
+        throw UserError (option + " " + text + ": give a whole number from 1 to " + juce::String (most));
 
-    options.blockSize = static_cast<int> (*size);
+    return static_cast<int> (*number);
 }
 
 void setBits (Options& options, const juce::String& text)
 {
-    if (text != "24" && text != "32")
-        throw UserError ("--bits " + text + ": give 24 (integer) or 32 (float)");
+    if (text != "16" && text != "24" && text != "32")
+        throw UserError ("--bits " + text + ": give 16 or 24 (integer) or 32 (float)");
 
     options.bits = text.getIntValue();
+}
+
+void setFormat (Options& options, const juce::String& text)
+{
+    if (text != "wav" && text != "aiff" && text != "flac")
+        throw UserError ("--format " + text + ": give wav, aiff or flac");
+
+    options.format = text;
 }
 
 struct Row
@@ -57,15 +66,22 @@ struct Row
     void (*take) (Options&, const juce::String& value);
 };
 
-const std::array<Row, 8> rows { {
+const std::array<Row, 14> rows { {
     { "--set", addSetting },
     { "--semitones", setSemitones },
     { "--midi", [] (Options& o, const juce::String& text) { o.midi = fileNamed (text); } },
     { "--automate", [] (Options& o, const juce::String& text) { o.automation = fileNamed (text); } },
-    { "--block", setBlockSize },
+    { "--block",
+      [] (Options& o, const juce::String& text) { o.blockSize = wholeNumber ("--block", text, largestBlock); } },
     { "--module", [] (Options& o, const juce::String& text) { o.module = fileNamed (text); } },
     { "--plot", [] (Options& o, const juce::String& text) { o.plot = fileNamed (text); } },
     { "--bits", setBits },
+    { "--jobs", [] (Options& o, const juce::String& text) { o.jobs = wholeNumber ("--jobs", text, mostJobs); } },
+    { "--format", setFormat },
+    { "--out-dir", [] (Options& o, const juce::String& text) { o.outputFolder = fileNamed (text); } },
+    { "--state", [] (Options& o, const juce::String& text) { o.state = fileNamed (text); } },
+    { "--save-state", [] (Options& o, const juce::String& text) { o.savedState = fileNamed (text); } },
+    { "--preset", [] (Options& o, const juce::String& text) { o.preset = text; } },
 } };
 
 // "--name value" or "--name=value"; moves `next` past what it used.
@@ -108,7 +124,41 @@ Options::Action actionFor (const juce::StringArray& arguments)
 {
     return arguments.contains ("--help") || arguments.contains ("-h") ? Options::Action::showHelp
            : arguments.contains ("--version")                         ? Options::Action::showVersion
+           : arguments.contains ("--preset-list")                     ? Options::Action::listPresets
                                                                       : Options::Action::render;
+}
+
+// IN OUT, or any number of IN for a folder.
+void addTasks (Options& options, const juce::StringArray& files)
+{
+    const bool intoFolder = options.outputFolder != juce::File();
+
+    if (files.isEmpty() && options.savedState != juce::File())
+        options.action = Options::Action::saveState;
+    else if (intoFolder ? files.isEmpty() : files.size() != 2)
+        throw UserError ((intoFolder         ? "name at least one file, IN"
+                          : files.size() < 2 ? "name two files, IN and OUT"
+                                             : "more than two files: " + files[2] + " is too many without --out-dir")
+                         + juce::String ("; tarvelline-render --help shows how"));
+    else if (intoFolder)
+        options.tasks = tasksInto (options.outputFolder, files, options.format);
+    else
+        options.tasks = { { fileNamed (files[0]), fileNamed (files[1]) } };
+}
+
+void checkCombinations (const Options& options)
+{
+    if (options.state != juce::File() && options.preset.isNotEmpty())
+        throw UserError ("--state and --preset: give one of the two");
+
+    if (options.tasks.size() > 1)
+        for (const auto& [name, file] :
+             { std::pair { "--plot", options.plot }, { "--save-state", options.savedState } })
+            if (file != juce::File())
+                throw UserError (juce::String (name) + " is for one IN: leave it out with several");
+
+    if (options.outputFolder != juce::File() && ! options.tasks.empty())
+        sampleBits (options.tasks.front().output, options.bits); // throws when they do not fit the format
 }
 } // namespace
 
@@ -117,27 +167,26 @@ Options parseOptions (const juce::StringArray& arguments)
     Options options;
     options.action = actionFor (arguments);
 
-    if (options.action != Options::Action::render)
+    if (options.action == Options::Action::showHelp || options.action == Options::Action::showVersion)
         return options;
 
     juce::StringArray files;
 
     for (int next = 0; next < arguments.size();)
-        if (arguments[next].startsWithChar ('-'))
+        if (arguments[next] == "--preset-list")
+            ++next;
+        else if (arguments[next].startsWithChar ('-'))
             takeOption (options, arguments, next);
         else
             files.add (arguments[next++]);
 
-    if (files.size() != 2)
-        throw UserError (
-            (files.size() < 2 ? "name two files, IN and OUT" : "more than two files: " + files[2] + " is too many")
-            + juce::String ("; tarvelline-render --help shows how"));
-
     if (options.semitones)
         addShift (options.settings, *options.semitones);
 
-    options.input = fileNamed (files[0]);
-    options.output = fileNamed (files[1]);
+    if (options.action == Options::Action::render)
+        addTasks (options, files);
+
+    checkCombinations (options);
     return options;
 }
 } // namespace tarvelline::render

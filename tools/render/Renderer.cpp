@@ -17,7 +17,7 @@ void readInput (juce::AudioFormatReader& in, juce::AudioBuffer<float>& buffer, s
 } // namespace
 
 RenderResult renderRecording (juce::AudioFormatReader& in, HostedModule& module, Timeline timeline, int largestBlock,
-                              WavOutput& out, const std::function<void (const Block&)>& observe)
+                              RecordingOutput& out, const std::function<void (const Block&)>& observe)
 {
     const auto latency = module.getLatency();
     const auto tail = latency;

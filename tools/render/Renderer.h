@@ -2,7 +2,7 @@
 #pragma once
 
 #include "tools/render/HostedModule.h"
-#include "tools/render/Recording.h"
+#include "tools/render/RecordingOutput.h"
 
 #include <functional>
 
@@ -20,6 +20,6 @@ struct RenderResult
 
     Throws UserError when reading or writing fails, Interrupted when the program is asked to stop.
     @param observe  called with every block that was played */
-RenderResult renderRecording (juce::AudioFormatReader& in, HostedModule&, Timeline, int largestBlock, WavOutput& out,
-                              const std::function<void (const Block&)>& observe);
+RenderResult renderRecording (juce::AudioFormatReader& in, HostedModule&, Timeline, int largestBlock,
+                              RecordingOutput& out, const std::function<void (const Block&)>& observe);
 } // namespace tarvelline::render

@@ -14,17 +14,21 @@ namespace
 volatile std::sig_atomic_t interruptNoted = 0;
 
 void noteInterrupt (int) { interruptNoted = 1; }
-} // namespace
 
-void noteInterrupts()
+void noteInterruptsWith (int flags)
 {
     struct sigaction action = {};
     action.sa_handler = noteInterrupt;
-    action.sa_flags = static_cast<int> (SA_RESETHAND) | SA_RESTART;
+    action.sa_flags = flags | SA_RESTART;
     sigaction (SIGINT, &action, nullptr);
     sigaction (SIGTERM, &action, nullptr);
     sigaction (SIGHUP, &action, nullptr);
 }
+} // namespace
+
+void noteInterrupts() { noteInterruptsWith (static_cast<int> (SA_RESETHAND)); }
+
+void ignoreFurtherInterrupts() { noteInterruptsWith (0); }
 
 bool interrupted() noexcept { return interruptNoted != 0; }
 

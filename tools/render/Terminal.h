@@ -9,6 +9,9 @@ namespace tarvelline::render
 void noteInterrupts();
 bool interrupted() noexcept;
 
+/** For a process that another one stops: no second request ends it before it has cleared up. */
+void ignoreFurtherInterrupts();
+
 /** How far a long job is, as one line that is rewritten on the terminal. Shows nothing when stderr is no terminal, nor
     within the first second. Its line is gone once it is destroyed. */
 class Progress
