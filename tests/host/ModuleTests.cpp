@@ -3,6 +3,7 @@
 #include "tests/support/Meters.h"
 #include "tests/support/ProcessorRig.h"
 #include "tests/support/VectorCase.h"
+#include "tools/presets/PresetTable.h"
 
 #include <gtest/gtest.h>
 
@@ -48,6 +49,21 @@ struct Host
                 return parameter->setValue (normalised);
 
         throw std::runtime_error (name.toStdString() + ": no such parameter");
+    }
+
+    /** As a host does that was given a .vstpreset file. */
+    void loadPreset (const juce::String& name)
+    {
+        struct Loader : juce::ExtensionsVisitor
+        {
+            void visitVST3Client (const VST3Client& client) override { taken = client.setPreset (bytes); }
+            juce::MemoryBlock bytes;
+            bool taken = false;
+        };
+        Loader loader;
+        juce::File (TARVELLINE_PRESETS).getChildFile (name + ".vstpreset").loadFileAsData (loader.bytes);
+        module->getExtensions (loader);
+        ASSERT_TRUE (loader.taken) << name;
     }
 
     Samples play (const Samples& input) { return playThrough (*module, midi, input); }
@@ -159,6 +175,34 @@ TEST (Module, BendsAndStateReachTheSound)
     EXPECT_EQ (state, again);
     EXPECT_FLOAT_EQ (second.module->getParameters()[0]->getValue(), 0.8f);
     EXPECT_FLOAT_EQ (second.module->getParameters()[2]->getValue(), 0.75f);
+}
+
+// A preset of another plug-in's class or with a broken container, which hosts refuse; one that a range moves the wheel of; one
+// without a sound.
+TEST (FactoryPresets, GiveAHostTheirValuesAndTheirSound)
+{
+    const auto table = presets::readPresetTable (juce::File (TARVELLINE_PRESET_TABLE));
+    ASSERT_GE (table.size(), 10u);
+
+    for (const auto& preset : table)
+    {
+        SCOPED_TRACE (preset.name);
+        Host host;
+        host.loadPreset (preset.name);
+
+        for (std::size_t i = 0; i < preset.values.size(); ++i)
+            EXPECT_FLOAT_EQ (host.module->getParameters()[static_cast<int> (i)]->getValue(), preset.values[i])
+                << parameterTable[i].id;
+
+        const auto output = host.play (sine (440.0, 44100.0, 2.0, 0.5));
+        EXPECT_TRUE (allFinite (output));
+        EXPECT_GT (levelDb (Signal (output).last (10000)), -22.0);
+
+        if (preset.name == "Giant")
+        {
+            EXPECT_NEAR (centsBetween (440.0, frequencyHz (Signal (output).last (32768), 44100.0)), -500.0, 14.0);
+        }
+    }
 }
 
 class ModuleGolden : public testing::TestWithParam<const char*>
