@@ -80,5 +80,5 @@ endfunction()
 # Where the finished module stands, for the programs that load it.
 set(TARVELLINE_MODULE_PATH "$<GENEX_EVAL:$<TARGET_PROPERTY:Tarvelline_VST3,JUCE_PLUGIN_ARTEFACT_FILE>>")
 
-# Where tools/presets puts the factory presets, in the folders in which hosts look for them: maker, then plug-in.
-set(TARVELLINE_PRESETS_DIR "${PROJECT_BINARY_DIR}/presets/Vorntaal/Tarvelline")
+# Where tools/presets puts the factory presets: beside the module, in the folders that an installed one has them in.
+set(TARVELLINE_PRESETS_DIR "$<PATH:GET_PARENT_PATH,$<GENEX_EVAL:${TARVELLINE_MODULE_PATH}>>/presets/Vorntaal/Tarvelline")
