@@ -5,7 +5,6 @@
 #include "widgets/FollowDial.h"
 #include "widgets/HostedControl.h"
 #include "widgets/Keyboard.h"
-#include "widgets/MyComboBox.h"
 #include "widgets/SnapSlider.h"
 #include "widgets/SpokenValue.h"
 
@@ -25,7 +24,7 @@ struct EditorControls
     SnapSlider pitchScaleSlider; // shows the scale; attached to nothing
     HostedControl<juce::Slider> pitchGravitySlider;
     HostedControl<juce::Slider> pitchInertiaSlider;
-    HostedControl<MyComboBox> pitchRangeBox;
+    HostedControl<TitledBox> pitchRangeBox;
     HostedControl<juce::Slider> pitchSmoothSlider;
     HostedControl<juce::Slider> mixerSlider;
     FollowDial pitchDial;
@@ -37,7 +36,7 @@ struct EditorControls
     HostedControl<juce::Slider> timbreGravitySlider;
     HostedControl<juce::Slider> timbreInertiaSlider;
     HostedControl<juce::Slider> timbreSmoothSlider;
-    HostedControl<MyComboBox> timbreRangeBox;
+    HostedControl<TitledBox> timbreRangeBox;
     FollowDial timbreDial;
 };
 

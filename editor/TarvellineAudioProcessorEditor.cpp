@@ -141,6 +141,7 @@ void TarvellineAudioProcessorEditor::styleValueLabel()
     label.setJustificationType (juce::Justification::centred);
     label.setColour (juce::Label::textColourId, juce::Colour (readOutColour));
     label.setInterceptsMouseClicks (false, false);
+    label.setAccessible (false); // the knob itself says its value
 }
 
 void TarvellineAudioProcessorEditor::styleButtons()

@@ -5,6 +5,10 @@ namespace tarvelline
 {
 namespace
 {
+using Actions = juce::AccessibilityActions;
+using State = juce::AccessibleState;
+using Type = juce::AccessibilityActionType;
+
 class Value : public juce::AccessibilityTextValueInterface
 {
 public:
@@ -18,41 +22,49 @@ private:
     const std::function<juce::String()> value;
 };
 
-class ModeButtonHandler : public juce::AccessibilityHandler
+/** Says a control's title, its value and the state that it is in. */
+class Handler : public juce::AccessibilityHandler
 {
 public:
-    explicit ModeButtonHandler (juce::Button& owner)
-        : AccessibilityHandler (
-            owner, juce::AccessibilityRole::toggleButton,
-            juce::AccessibilityActions()
-                .addAction (juce::AccessibilityActionType::press, [&owner] { owner.triggerClick(); })
-                .addAction (juce::AccessibilityActionType::toggle, [&owner] { owner.triggerClick(); }),
-            { std::make_unique<Value> ([&owner] { return owner.getButtonText(); }) }),
-          button (owner)
+    Handler (juce::Component& owner, juce::AccessibilityRole ownRole, Actions ownActions,
+             std::function<juce::String()> value, std::function<State (State)> stateOf)
+        : AccessibilityHandler (owner, ownRole, std::move (ownActions),
+                                { std::make_unique<Value> (std::move (value)) }),
+          addState (std::move (stateOf))
     {
     }
 
-    juce::AccessibleState getCurrentState() const override
-    {
-        const auto state = AccessibilityHandler::getCurrentState().withCheckable();
-        return button.getToggleState() ? state.withChecked() : state;
-    }
+    State getCurrentState() const override { return addState (AccessibilityHandler::getCurrentState()); }
 
 private:
-    juce::Button& button;
+    const std::function<State (State)> addState;
 };
 } // namespace
 
 std::unique_ptr<juce::AccessibilityHandler> speakingHandler (juce::Component& component,
                                                              std::function<juce::String()> value)
 {
-    return std::make_unique<juce::AccessibilityHandler> (
-        component, juce::AccessibilityRole::staticText, juce::AccessibilityActions(),
-        juce::AccessibilityHandler::Interfaces { std::make_unique<Value> (std::move (value)) });
+    return std::make_unique<Handler> (component, juce::AccessibilityRole::staticText, Actions(), std::move (value),
+                                      [] (State state) { return state; });
 }
 
 std::unique_ptr<juce::AccessibilityHandler> ModeButton::createAccessibilityHandler()
 {
-    return std::make_unique<ModeButtonHandler> (*this);
+    const auto click = [this] { triggerClick(); };
+    return std::make_unique<Handler> (
+        *this, juce::AccessibilityRole::toggleButton,
+        Actions().addAction (Type::press, click).addAction (Type::toggle, click), [this] { return getButtonText(); },
+        [this] (State state)
+        { return getToggleState() ? state.withCheckable().withChecked() : state.withCheckable(); });
+}
+
+std::unique_ptr<juce::AccessibilityHandler> TitledBox::createAccessibilityHandler()
+{
+    const auto open = [this] { showPopup(); };
+    return std::make_unique<Handler> (
+        *this, juce::AccessibilityRole::comboBox,
+        Actions().addAction (Type::press, open).addAction (Type::showMenu, open), [this] { return getText(); },
+        [this] (State state)
+        { return isPopupActive() ? state.withExpandable().withExpanded() : state.withExpandable().withCollapsed(); });
 }
 } // namespace tarvelline

@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "widgets/MyComboBox.h"
+
 #include <juce_gui_basics/juce_gui_basics.h>
+
+#include <functional>
+#include <memory>
 
 namespace tarvelline
 {
@@ -15,6 +20,13 @@ class ModeButton : public juce::TextButton
 public:
     using juce::TextButton::TextButton;
 
+private:
+    std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
+};
+
+/** A box that a screen reader calls by its title; the framework's own goes by what is chosen in it alone. */
+class TitledBox : public MyComboBox
+{
 private:
     std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
 };
