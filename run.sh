@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Builds the plug-in and the renderer, with all they need. Without arguments it plays the demo into out/; with arguments it
-# hands them to tarvelline-render (./run.sh --help lists them). --bench compares cost with other programs' instead, and draws
-# it over voices, shift, sample rate and block size into out/.
+# hands them to tarvelline-render (./run.sh --help lists them). Instead of these:
+#   --install    puts plug-ins, programs and presets into your own folders;  --uninstall  removes exactly those
+#   --package    makes a .deb and a .tar.gz in out/
+#   --bench      compares cost with other programs', drawn over voices, shift, sample rate and block size into out/
 set -euo pipefail
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
@@ -15,8 +17,44 @@ if [[ "${1:-}" == --bench ]]; then
     exec "$root/build/release/bench/compare" "$root/out"
 fi
 
+if [[ "${1:-}" == --uninstall ]]; then
+    source "$root/tools/user-install"
+    [[ -f "$installed_list" ]] || { echo "nothing was installed with --install" >&2; exit 1; }
+    echo "removing $(grep -vc '/$' "$installed_list") files that --install has put below $HOME"
+    remove_for_user
+    exit
+fi
+
+if [[ "${1:-}" == --install ]]; then
+    source "$root/tools/user-install"
+    install_missing
+    build_targets "$root" release tarvelline_product
+    install_for_user "$root/build/release"
+    cat <<END
+installed for you alone, below $HOME:
+  VST3 plug-in    ~/.vst3/Tarvelline.vst3, its presets in ~/.vst3/presets/Vorntaal/Tarvelline
+  LV2 plug-in     ~/.lv2/Tarvelline.lv2
+  programs        ~/.local/bin/tarvelline (without a DAW) and ~/.local/bin/tarvelline-render
+  documents       ~/.local/share/doc/tarvelline, manual pages in ~/.local/share/man
+In your DAW, scan for plug-ins again. ./run.sh --uninstall removes all of it; every file is listed in
+${installed_list/#$HOME/\~}
+END
+    exit
+fi
+
+if [[ "${1:-}" == --package ]]; then
+    packages+=(file) # the packer tells programs from other files with it
+    install_missing
+    build_targets "$root" release tarvelline_product
+    mkdir -p "$root/out"
+    (cd "$root/build/release" && quietly cpack -B "$root/out")
+    rm -rf "$root/out/_CPack_Packages"
+    ls -1 "$root"/out/tarvelline*.deb "$root"/out/tarvelline*.tar.gz
+    exit
+fi
+
 install_missing
-build_targets "$root" release Tarvelline_VST3 tarvelline_render
+build_targets "$root" release Tarvelline_VST3 tarvelline_render tarvelline_preset_files
 
 render="$root/build/release/tools/render/tarvelline-render"
 
@@ -35,6 +73,5 @@ mkdir -p "$out"
 # Notes as voices.
 "$render" "$demo/guitar.wav" "$out/chord.wav" --midi "$demo/chord.mid" --set midiOptions=0
 
-module="$(find "$root/build/release" -type d -name Tarvelline.vst3 -print -quit)"
 echo "Listen to out/gesture.wav (the wheel swings up and back, a note transposes, the timbre darkens; see out/gesture.png) and out/chord.wav (one guitar, four voices, a bend)."
-echo "To install the plug-in: mkdir -p ~/.vst3 && cp -r $module ~/.vst3/"
+echo "To install the plug-in: ./run.sh --install"

@@ -1,16 +1,26 @@
-# The plug-in. `Tarvelline` is the shared code (framework modules and our sources, compiled once);
-# `Tarvelline_VST3` wraps it as the module a host loads.
+# The plug-in. `Tarvelline` is the shared code (framework modules and our sources, compiled once); `Tarvelline_VST3` and
+# `Tarvelline_LV2` wrap it as modules that hosts load, `Tarvelline_Standalone` as a program that is its own host.
 find_package(JUCE 7.0.5 CONFIG REQUIRED)
+
+set(TARVELLINE_FORMATS VST3)
+if(NOT TARVELLINE_SANITIZE)
+    # Not under sanitizers: while building, the LV2 module is loaded by a program that has none.
+    list(APPEND TARVELLINE_FORMATS LV2 Standalone)
+endif()
+
+set(TARVELLINE_LV2_URI "https://vorntaal.org/plugins/tarvelline")
 
 juce_add_plugin(Tarvelline
     PLUGIN_NAME "Tarvelline"
     PRODUCT_NAME "Tarvelline"
     COMPANY_NAME "Vorntaal"
+    COMPANY_WEBSITE "https://vorntaal.org"
     VERSION "${PROJECT_VERSION}"
     BUNDLE_ID "org.vorntaal.tarvelline"
     PLUGIN_MANUFACTURER_CODE Vorn
     PLUGIN_CODE Tarv
-    FORMATS VST3
+    FORMATS ${TARVELLINE_FORMATS}
+    LV2URI "${TARVELLINE_LV2_URI}"
     IS_SYNTH FALSE
     NEEDS_MIDI_INPUT TRUE
     NEEDS_MIDI_OUTPUT FALSE
@@ -25,6 +35,10 @@ target_compile_definitions(Tarvelline PUBLIC
     JUCE_USE_FLAC=0
     JUCE_USE_OGGVORBIS=0
     JUCE_DISPLAY_SPLASH_SCREEN=0
+    # The framework's LV2 header gets its LV2URI argument too late.
+    JucePlugin_LV2URI="${TARVELLINE_LV2_URI}"
+    # Beside ALSA, for the standalone program; the library is opened only when it runs, and need not be there.
+    JUCE_JACK=1
     # The command-line renderer and the host tests load the finished module through the framework's own hosting,
     # and link this same library so that the framework is compiled once.
     JUCE_PLUGINHOST_VST3=1)
@@ -45,6 +59,16 @@ add_subdirectory(processor)
 add_subdirectory(widgets)
 add_subdirectory(editor)
 
+if(TARGET Tarvelline_Standalone)
+    set_target_properties(Tarvelline_Standalone PROPERTIES OUTPUT_NAME tarvelline) # a command, in lower case as others
+endif()
+
+if(TARGET Tarvelline_LV2)
+    add_custom_command(TARGET Tarvelline_LV2 POST_BUILD VERBATIM
+        COMMAND "${CMAKE_COMMAND}" -D "BUNDLE=$<TARGET_FILE_DIR:Tarvelline_LV2>"
+            -P "${PROJECT_SOURCE_DIR}/cmake/TidyLv2.cmake")
+endif()
+
 # Lets a program use the shared code: its headers, definitions and objects, without compiling the framework again.
 function(tarvelline_use_shared_code target)
     target_include_directories(${target} SYSTEM PRIVATE $<TARGET_PROPERTY:Tarvelline,INCLUDE_DIRECTORIES>)
@@ -55,3 +79,6 @@ endfunction()
 
 # Where the finished module stands, for the programs that load it.
 set(TARVELLINE_MODULE_PATH "$<GENEX_EVAL:$<TARGET_PROPERTY:Tarvelline_VST3,JUCE_PLUGIN_ARTEFACT_FILE>>")
+
+# Where tools/presets puts the factory presets: beside the module, in the folders that an installed one has them in.
+set(TARVELLINE_PRESETS_DIR "$<PATH:GET_PARENT_PATH,$<GENEX_EVAL:${TARVELLINE_MODULE_PATH}>>/presets/Vorntaal/Tarvelline")

@@ -3,9 +3,10 @@
 
 #include "processor/TarvellineAudioProcessor.h"
 #include "widgets/FollowDial.h"
+#include "widgets/HostedControl.h"
 #include "widgets/Keyboard.h"
-#include "widgets/MyComboBox.h"
 #include "widgets/SnapSlider.h"
+#include "widgets/SpokenValue.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
@@ -16,26 +17,26 @@ namespace tarvelline
 /** Every control of the window, in the order of construction. The timbre section mirrors the pitch section. */
 struct EditorControls
 {
-    juce::TextButton sizeButton;
-    juce::TextButton pitchSnapButton { "Off" };
-    juce::TextButton midiModeButton { "Multi" };
-    SnapSlider mainWheelSlider;
+    HostedControl<juce::TextButton> sizeButton;
+    HostedControl<juce::TextButton> pitchSnapButton { "Off" };
+    HostedControl<ModeButton> midiModeButton { "Multi" };
+    HostedControl<SnapSlider> mainWheelSlider;
     SnapSlider pitchScaleSlider; // shows the scale; attached to nothing
-    juce::Slider pitchGravitySlider;
-    juce::Slider pitchInertiaSlider;
-    MyComboBox pitchRangeBox;
-    juce::Slider pitchSmoothSlider;
-    juce::Slider mixerSlider;
+    HostedControl<juce::Slider> pitchGravitySlider;
+    HostedControl<juce::Slider> pitchInertiaSlider;
+    HostedControl<TitledBox> pitchRangeBox;
+    HostedControl<juce::Slider> pitchSmoothSlider;
+    HostedControl<juce::Slider> mixerSlider;
     FollowDial pitchDial;
     Keyboard keyboard;
     juce::Label valueLabel; // the read-out above a knob
-    SnapSlider timbreWheelSlider;
+    HostedControl<SnapSlider> timbreWheelSlider;
     SnapSlider timbreScaleSlider; // shows the scale; attached to nothing
-    juce::TextButton timbreSnapButton { "Off" };
-    juce::Slider timbreGravitySlider;
-    juce::Slider timbreInertiaSlider;
-    juce::Slider timbreSmoothSlider;
-    MyComboBox timbreRangeBox;
+    HostedControl<juce::TextButton> timbreSnapButton { "Off" };
+    HostedControl<juce::Slider> timbreGravitySlider;
+    HostedControl<juce::Slider> timbreInertiaSlider;
+    HostedControl<juce::Slider> timbreSmoothSlider;
+    HostedControl<TitledBox> timbreRangeBox;
     FollowDial timbreDial;
 };
 

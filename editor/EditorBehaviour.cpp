@@ -2,6 +2,8 @@
 // What the window does once it stands: ranges, snapping, MIDI mode, size mode, the value read-out and the timer.
 #include "editor/TarvellineAudioProcessorEditor.h"
 
+#include <algorithm>
+
 namespace tarvelline
 {
 namespace
@@ -129,6 +131,21 @@ void TarvellineAudioProcessorEditor::showValueAbove (const juce::Slider& slider)
     label.setCentrePosition (slider.getX() + slider.getWidth() / 2, slider.getY() - readOutDistance);
     label.setVisible (true);
     valueLabelCountdown = readOutTicks;
+}
+
+int TarvellineAudioProcessorEditor::getControlParameterIndex (juce::Component& control)
+{
+    const auto indexIn = [&] (const auto& bindings)
+    {
+        for (const auto& binding : bindings)
+            if (&binding.control == &control)
+                return processor.parameters.getParameter (binding.parameter)->getParameterIndex();
+
+        return -1;
+    };
+
+    return std::max ({ indexIn (sliderBindingsOf (controls)), indexIn (buttonBindingsOf (controls)),
+                       indexIn (boxBindingsOf (controls)) });
 }
 
 void TarvellineAudioProcessorEditor::timerCallback()

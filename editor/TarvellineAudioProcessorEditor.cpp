@@ -34,10 +34,12 @@ TarvellineAudioProcessorEditor::TarvellineAudioProcessorEditor (TarvellineAudioP
     nameControls();
     listenToControls();
     attachParameters();
+    speakValues();
 
     // By hand, since a button that has not moved tells nobody: texts, grids and modes as the parameters have them. In
     // transpose mode this restarts the output's fade-in.
-    for (auto* button : { &controls.pitchSnapButton, &controls.midiModeButton, &controls.timbreSnapButton })
+    for (juce::Button* button : std::initializer_list<juce::Button*> {
+             &controls.pitchSnapButton, &controls.midiModeButton, &controls.timbreSnapButton })
         buttonClicked (button);
 
     for (auto* control : zOrderOf (controls))
@@ -139,6 +141,7 @@ void TarvellineAudioProcessorEditor::styleValueLabel()
     label.setJustificationType (juce::Justification::centred);
     label.setColour (juce::Label::textColourId, juce::Colour (readOutColour));
     label.setInterceptsMouseClicks (false, false);
+    label.setAccessible (false); // the knob itself says its value
 }
 
 void TarvellineAudioProcessorEditor::styleButtons()
@@ -195,6 +198,22 @@ void TarvellineAudioProcessorEditor::attachParameters()
     {
         box.setSelectedItemIndex (juce::roundToInt (currentValue (state, id)), juce::sendNotificationSync);
         comboBoxAttachments.add (new juce::AudioProcessorValueTreeState::ComboBoxAttachment (state, id, box));
+    }
+}
+
+/** To screen readers: knobs as their read-out shows them, wheels in the semitones of their scale. */
+void TarvellineAudioProcessorEditor::speakValues()
+{
+    for (auto& binding : sliderBindingsOf (controls))
+        binding.control.textFromValueFunction = [] (double value) { return juce::String (value, 2); };
+
+    for (auto& [wheel, steps] : { std::pair<juce::Slider&, double&> { controls.mainWheelSlider, pitchRangeSteps },
+                                  { controls.timbreWheelSlider, timbreRangeSteps } })
+    {
+        wheel.textFromValueFunction = [&steps] (double value)
+        { return juce::String ((value - 0.5) * steps, 2) + " semitones"; };
+        wheel.valueFromTextFunction = [&steps] (const juce::String& text)
+        { return text.getDoubleValue() / steps + 0.5; };
     }
 }
 

@@ -37,6 +37,9 @@ public:
     /** Hides the value read-out when its time is over and repaints the keyboard when notes have changed; every 60 ms. */
     void timerCallback() override;
 
+    /** The parameter that a control is bound to, by its place in the host's list; -1 for none. */
+    int getControlParameterIndex (juce::Component&) override;
+
 private:
     // Construction (TarvellineAudioProcessorEditor.cpp)
     void showProcessorState();
@@ -48,6 +51,7 @@ private:
     void nameControls();
     void listenToControls();
     void attachParameters();
+    void speakValues();
     void openAtStoredHeight();
 
     // Behaviour (EditorBehaviour.cpp)

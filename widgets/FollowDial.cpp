@@ -3,6 +3,7 @@
 
 #include "BinaryData.h"
 #include "widgets/RotaryGeometry.h"
+#include "widgets/SpokenValue.h"
 
 namespace tarvelline
 {
@@ -63,6 +64,11 @@ void FollowDial::setUp (TarvellineAudioProcessor& processor, int wheelIndex)
 {
     wheel = wheelIndex == 0 ? &processor.mainWheel : &processor.timbWheel;
     infoText = formatName (processor.wrapperType) + " 64 bit  v." JucePlugin_VersionString;
+}
+
+std::unique_ptr<juce::AccessibilityHandler> FollowDial::createAccessibilityHandler()
+{
+    return speakingHandler (*this, [this] { return juce::String (shownValue, 2) + " semitones"; });
 }
 
 void FollowDial::timerCallback()

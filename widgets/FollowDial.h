@@ -33,6 +33,7 @@ public:
     void paint (juce::Graphics&) override;
 
 private:
+    std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
     void timerCallback() override;
     void drawRing (juce::Graphics&);
     void drawNumber (juce::Graphics&) const;

@@ -2,6 +2,9 @@
 #include "widgets/Keyboard.h"
 
 #include "BinaryData.h"
+#include "widgets/SpokenValue.h"
+
+#include <juce_audio_basics/juce_audio_basics.h>
 
 namespace tarvelline
 {
@@ -53,6 +56,22 @@ Keyboard::Keyboard()
       blackShape (shape (BinaryData::KeySharp_svg, BinaryData::KeySharp_svgSize))
 {
     setInterceptsMouseClicks (false, false);
+}
+
+std::unique_ptr<juce::AccessibilityHandler> Keyboard::createAccessibilityHandler()
+{
+    return speakingHandler (*this,
+                            [this]
+                            {
+                                juce::StringArray held;
+
+                                for (auto key = 0; key < shownKeys; ++key)
+                                    if (isLit (key))
+                                        held.add (
+                                            juce::MidiMessage::getMidiNoteName (lowestKeyNote + key, true, true, 4));
+
+                                return held.isEmpty() ? juce::String ("none") : held.joinIntoString (" ");
+                            });
 }
 
 void Keyboard::paint (juce::Graphics& g)

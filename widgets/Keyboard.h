@@ -25,6 +25,7 @@ public:
     void paint (juce::Graphics&) override;
 
 private:
+    std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
     void drawWhiteKeys (juce::Graphics&, float keyWidth) const;
     void drawBlackKeys (juce::Graphics&, float keyWidth) const;
     bool isLit (int key) const;

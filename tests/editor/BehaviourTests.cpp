@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/editor/EditorRig.h"
 
+#include <span>
+
 namespace tarvelline::test
 {
 namespace
@@ -90,6 +92,52 @@ TEST (Binding, RestoredStateReachesTheOpenWindowAndTheNext)
         rig.open();
         EXPECT_EQ (rig.processor.outputGain, 0.7f) << "Multi leaves the level alone";
     }
+}
+
+/** A host that has a menu for every parameter, and hears how its parameters are edited. */
+struct ListeningHost : juce::AudioProcessorEditorHostContext,
+                       juce::HostProvidedContextMenu,
+                       juce::AudioProcessorParameter::Listener
+{
+    std::unique_ptr<HostProvidedContextMenu>
+    getContextMenuForParameter (const juce::AudioProcessorParameter* p) const override
+    {
+        asked = p;
+        return std::make_unique<ListeningHost>();
+    }
+    juce::PopupMenu getEquivalentPopupMenu() const override { return {}; }
+    void showNativeMenu (juce::Point<int>) const override {}
+    void parameterValueChanged (int, float) override { heard << "changed "; }
+    void parameterGestureChanged (int, bool begins) override { heard << (begins ? "begin " : "end "); }
+    mutable const juce::AudioProcessorParameter* asked = nullptr;
+    juce::String heard;
+};
+
+// A right click that turns what it asks about, or asks about another; steps of the keyboard that no host takes for an edit.
+TEST (HostManners, RightClicksAskForTheMenuAndKeysAreGestures)
+{
+    ListeningHost host; // outlives what it listens to
+    EditorRig rig (0, true);
+    rig.editor->setHostContext (&host);
+
+    for (const auto& kind : std::initializer_list<std::span<const Bound>> { boundBoxes, boundButtons, boundSliders })
+        for (const auto& [id, parameter] : kind)
+        {
+            auto& control = rig.control (id);
+            rig.set (parameter, 0.7f);
+            rig.parameter (parameter).addListener (&host);
+            const juce::MouseEvent drag (juce::Desktop::getInstance().getMainMouseSource(), { 5.0f, -60.0f },
+                                         juce::ModifierKeys::rightButtonModifier, 0, 0, 0, 0, 0, &control, &control, {},
+                                         { 5.0f, 5.0f }, {}, 1, true);
+            control.mouseDown (drag);
+            control.mouseDrag (drag);
+            control.mouseUp (drag);
+            EXPECT_EQ (host.asked, &rig.parameter (parameter)) << id;
+            EXPECT_EQ (host.heard, "") << id;
+            const auto isSlider =
+                control.keyPressed (juce::KeyPress (juce::KeyPress::downKey)) && kind.data() == boundSliders;
+            EXPECT_EQ (std::exchange (host.heard, "") == "begin changed end ", isSlider) << id;
+        }
 }
 
 struct Grids

@@ -3,6 +3,7 @@
 #include "tests/support/Meters.h"
 #include "tests/support/ProcessorRig.h"
 #include "tests/support/VectorCase.h"
+#include "tools/presets/PresetTable.h"
 
 #include <gtest/gtest.h>
 
@@ -134,16 +135,17 @@ TEST (Module, ReportsItsLatencyAndStaysFinite)
         }
 }
 
+double heardCents (Host& host)
+{
+    const auto output = host.play (sine (440.0, 44100.0, 4.0, 0.5));
+    return centsBetween (440.0, frequencyHz (Signal (output).last (32768), 44100.0));
+}
+
 // A bend or a change of the range that does not get through the wrapper: the wheel moves with the range, the shift stays.
 // The state must bring both into a second host, and into its own picture of the parameters.
 TEST (Module, BendsAndStateReachTheSound)
 {
     Host first, second;
-    const auto heardCents = [] (Host& host)
-    {
-        return centsBetween (440.0,
-                             frequencyHz (Signal (host.play (sine (440.0, 44100.0, 4.0, 0.5))).last (32768), 44100.0));
-    };
     const auto upSixCents = 1200.0 * std::log2 (256.0 / 181.0); // in hops of whole samples
 
     first.midi.addEvent (juce::MidiMessage::pitchWheel (1, 16383), 0);
@@ -159,6 +161,33 @@ TEST (Module, BendsAndStateReachTheSound)
     EXPECT_EQ (state, again);
     EXPECT_FLOAT_EQ (second.module->getParameters()[0]->getValue(), 0.8f);
     EXPECT_FLOAT_EQ (second.module->getParameters()[2]->getValue(), 0.75f);
+}
+
+struct PresetLoader : juce::ExtensionsVisitor
+{
+    void visitVST3Client (const VST3Client& client) override { EXPECT_TRUE (client.setPreset (bytes)); }
+    juce::MemoryBlock bytes;
+};
+
+// A preset of another plug-in's class or with a broken container, which hosts refuse; one that a range moves the wheel of.
+TEST (FactoryPresets, GiveAHostTheirValuesAndTheirSound)
+{
+    const auto table = presets::readPresetTable (juce::File (TARVELLINE_PRESET_TABLE));
+    ASSERT_GE (table.size(), 10u);
+
+    for (const auto& preset : table)
+    {
+        Host host;
+        PresetLoader loader;
+        juce::File (TARVELLINE_PRESETS).getChildFile (preset.name + ".vstpreset").loadFileAsData (loader.bytes);
+        host.module->getExtensions (loader);
+
+        for (std::size_t i = 0; i < preset.values.size(); ++i)
+            EXPECT_FLOAT_EQ (host.module->getParameters()[static_cast<int> (i)]->getValue(), preset.values[i])
+                << preset.name << ": " << parameterTable[i].id;
+
+        EXPECT_TRUE (preset.name != "Giant" || std::abs (heardCents (host) + 500.0) < 14.0);
+    }
 }
 
 class ModuleGolden : public testing::TestWithParam<const char*>

@@ -1,0 +1,48 @@
+# What `cmake --install` puts where, below the prefix: the places in which hosts and desktops look.
+
+find_program(HELP2MAN help2man REQUIRED)
+find_program(GZIP gzip REQUIRED)
+set(packed "${PROJECT_BINARY_DIR}/packaging") # manual pages and the change log, compressed as Debian has them
+file(MAKE_DIRECTORY "${packed}")
+
+# The renderer's page is its own --help, so that the two agree.
+add_custom_command(OUTPUT "${packed}/tarvelline-render.1.gz"
+    COMMAND "${HELP2MAN}" --no-info "--name=play recordings through the Tarvelline plug-in"
+        "--output=${packed}/tarvelline-render.1" "$<TARGET_FILE:tarvelline_render>"
+    COMMAND "${GZIP}" -9nf "${packed}/tarvelline-render.1"
+    DEPENDS tarvelline_render
+    VERBATIM)
+
+function(tarvelline_pack source name)
+    add_custom_command(OUTPUT "${packed}/${name}"
+        COMMAND "${GZIP}" -9nc "${PROJECT_SOURCE_DIR}/${source}" > "${packed}/${name}"
+        DEPENDS "${PROJECT_SOURCE_DIR}/${source}"
+        VERBATIM)
+endfunction()
+
+tarvelline_pack(packaging/tarvelline.1 tarvelline.1.gz)
+tarvelline_pack(CHANGELOG.md changelog.gz)
+add_custom_target(tarvelline_packed ALL
+    DEPENDS "${packed}/tarvelline-render.1.gz" "${packed}/tarvelline.1.gz" "${packed}/changelog.gz")
+
+# Everything that is installed, for those who build no more than that.
+add_custom_target(tarvelline_product)
+add_dependencies(tarvelline_product Tarvelline_VST3 Tarvelline_LV2 Tarvelline_Standalone tarvelline_render
+    tarvelline_preset_files tarvelline_packed)
+
+get_target_property(artefacts Tarvelline_VST3 LIBRARY_OUTPUT_DIRECTORY)
+cmake_path(GET artefacts FILENAME architecture) # such as x86_64-linux
+
+install(TARGETS Tarvelline_VST3 LIBRARY DESTINATION "lib/vst3/Tarvelline.vst3/Contents/${architecture}")
+install(TARGETS Tarvelline_LV2 LIBRARY DESTINATION lib/lv2/Tarvelline.lv2)
+install(DIRECTORY "$<TARGET_FILE_DIR:Tarvelline_LV2>/" DESTINATION lib/lv2/Tarvelline.lv2 FILES_MATCHING PATTERN "*.ttl")
+install(TARGETS Tarvelline_Standalone tarvelline_render RUNTIME DESTINATION bin)
+install(DIRECTORY "${TARVELLINE_PRESETS_DIR}" DESTINATION share/vst3/presets/Vorntaal)
+
+install(FILES packaging/tarvelline.desktop DESTINATION share/applications)
+install(FILES packaging/tarvelline.svg DESTINATION share/icons/hicolor/scalable/apps)
+install(FILES packaging/tarvelline.png DESTINATION share/icons/hicolor/256x256/apps)
+install(FILES "${packed}/tarvelline.1.gz" "${packed}/tarvelline-render.1.gz" DESTINATION share/man/man1)
+install(FILES packaging/copyright LICENSE "${packed}/changelog.gz" docs/presets.md DESTINATION share/doc/tarvelline)
+install(FILES docs/manual.md DESTINATION share/doc/tarvelline OPTIONAL)
+install(DIRECTORY docs/images DESTINATION share/doc/tarvelline)

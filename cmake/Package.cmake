@@ -1,0 +1,25 @@
+# What `cpack` makes of the installed files: a .deb and a .tar.gz.
+set(CPACK_GENERATOR DEB TGZ)
+set(CPACK_PACKAGE_NAME tarvelline)
+set(CPACK_PACKAGE_VENDOR Vorntaal)
+set(CPACK_PACKAGE_CONTACT "Vorntaal <tarvelline@vorntaal.org>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "pitch- and timbre-shifting wheel for audio (VST3, LV2, standalone)")
+set(CPACK_PACKAGE_DESCRIPTION
+    "Tarvelline shifts the pitch of whatever runs through it, in real time, with a
+large wheel that has weight, inertia and a spring, with MIDI notes and with
+pitch-bend. A second wheel moves the timbre on its own.
+.
+The package holds the effect as a VST3 and an LV2 plug-in and as a program that
+needs no host, a command that plays recordings through it, and factory presets.")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_VERBATIM_VARIABLES ON)
+
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION sound)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# The framework opens the libraries of the X Window System and of JACK only when it needs them.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libx11-6, libxcursor1, libxext6, libxinerama1, libxrandr2, libxrender1")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-dejavu-core | fonts-freefont-ttf | fonts-liberation")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "pipewire-jack | libjack-jackd2-0 | libjack0")
+
+include(CPack)
