@@ -1,17 +1,8 @@
 # What `cmake --install` puts where, below the prefix: the places in which hosts and desktops look.
 
-find_program(HELP2MAN help2man REQUIRED)
 find_program(GZIP gzip REQUIRED)
 set(packed "${PROJECT_BINARY_DIR}/packaging") # manual pages and the change log, compressed as Debian has them
 file(MAKE_DIRECTORY "${packed}")
-
-# The renderer's page is its own --help, so that the two agree.
-add_custom_command(OUTPUT "${packed}/tarvelline-render.1.gz"
-    COMMAND "${HELP2MAN}" --no-info "--name=play recordings through the Tarvelline plug-in"
-        "--output=${packed}/tarvelline-render.1" "$<TARGET_FILE:tarvelline_render>"
-    COMMAND "${GZIP}" -9nf "${packed}/tarvelline-render.1"
-    DEPENDS tarvelline_render
-    VERBATIM)
 
 function(tarvelline_pack source name)
     add_custom_command(OUTPUT "${packed}/${name}"
@@ -20,10 +11,13 @@ function(tarvelline_pack source name)
         VERBATIM)
 endfunction()
 
-tarvelline_pack(packaging/tarvelline.1 tarvelline.1.gz)
 tarvelline_pack(CHANGELOG.md changelog.gz)
-add_custom_target(tarvelline_packed ALL
-    DEPENDS "${packed}/tarvelline-render.1.gz" "${packed}/tarvelline.1.gz" "${packed}/changelog.gz")
+file(GLOB manual_pages RELATIVE "${PROJECT_SOURCE_DIR}/docs" CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/*.1")
+foreach(page IN LISTS manual_pages)
+    tarvelline_pack("docs/${page}" "${page}.gz")
+endforeach()
+list(TRANSFORM manual_pages REPLACE "(.+)" "${packed}/\\1.gz")
+add_custom_target(tarvelline_packed ALL DEPENDS "${packed}/changelog.gz" ${manual_pages})
 
 # Everything that is installed, for those who build no more than that.
 add_custom_target(tarvelline_product)
@@ -42,7 +36,7 @@ install(DIRECTORY "${TARVELLINE_PRESETS_DIR}" DESTINATION share/vst3/presets/Vor
 install(FILES packaging/tarvelline.desktop DESTINATION share/applications)
 install(FILES packaging/tarvelline.svg DESTINATION share/icons/hicolor/scalable/apps)
 install(FILES packaging/tarvelline.png DESTINATION share/icons/hicolor/256x256/apps)
-install(FILES "${packed}/tarvelline.1.gz" "${packed}/tarvelline-render.1.gz" DESTINATION share/man/man1)
+install(FILES ${manual_pages} DESTINATION share/man/man1)
 install(FILES packaging/copyright LICENSE "${packed}/changelog.gz" docs/presets.md DESTINATION share/doc/tarvelline)
-install(FILES docs/manual.md DESTINATION share/doc/tarvelline OPTIONAL)
+install(FILES docs/manual.md docs/rendering.md DESTINATION share/doc/tarvelline OPTIONAL)
 install(DIRECTORY docs/images DESTINATION share/doc/tarvelline)
