@@ -37,6 +37,6 @@ install(FILES packaging/tarvelline.desktop DESTINATION share/applications)
 install(FILES packaging/tarvelline.svg DESTINATION share/icons/hicolor/scalable/apps)
 install(FILES packaging/tarvelline.png DESTINATION share/icons/hicolor/256x256/apps)
 install(FILES ${manual_pages} DESTINATION share/man/man1)
-install(FILES packaging/copyright LICENSE "${packed}/changelog.gz" docs/presets.md DESTINATION share/doc/tarvelline)
-install(FILES docs/manual.md docs/rendering.md DESTINATION share/doc/tarvelline OPTIONAL)
+install(FILES packaging/copyright LICENSE "${packed}/changelog.gz" docs/manual.md docs/presets.md docs/rendering.md
+    DESTINATION share/doc/tarvelline)
 install(DIRECTORY docs/images DESTINATION share/doc/tarvelline)
