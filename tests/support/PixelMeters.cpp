@@ -46,13 +46,6 @@ juce::Image pictureOf (juce::Component& component)
     return component.createComponentSnapshot (component.getLocalBounds(), true, 1.0f);
 }
 
-Polar polarFrom (juce::Point<float> centre, juce::Point<float> point)
-{
-    return { std::atan2 (point.x - centre.x, centre.y - point.y), centre.getDistanceFrom (point) };
-}
-
-float angleBetween (float a, float b) { return std::remainder (a - b, juce::MathConstants<float>::twoPi); }
-
 std::vector<float> litRuns (const juce::Image& image, juce::Point<float> centre, float radius, float from, float length,
                             const PixelTest& isLit)
 {

@@ -17,17 +17,6 @@ bool isOrange (juce::Colour); // the accent: of the puck's bar, the dial's mark 
 /** What a component and its children paint, one pixel a unit; transparent where they paint nothing. */
 juce::Image pictureOf (juce::Component&);
 
-struct Polar
-{
-    float angle = 0.0f; // -pi .. pi
-    float radius = 0.0f;
-};
-
-Polar polarFrom (juce::Point<float> centre, juce::Point<float>);
-
-/** The difference of two angles in -pi .. pi. */
-float angleBetween (float, float);
-
 /** The middles of the lit runs along a circle, as angles from `from` on, over a sweep of `length` radians. A run that lies
     across either end counts once there. */
 std::vector<float> litRuns (const juce::Image&, juce::Point<float> centre, float radius, float from, float length,
