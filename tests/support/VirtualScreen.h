@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <cstdint>
+#include <juce_graphics/juce_graphics.h>
+
+#include <cstdio>
 #include <map>
 #include <memory>
 #include <string>
@@ -9,12 +11,6 @@
 
 namespace tarvelline::test
 {
-/** A rectangle of a screen's pixels. */
-struct ScreenArea
-{
-    int x = 0, y = 0, width = 0, height = 0;
-};
-
 /** An X server of its own without a monitor (Xvfb, 24 bits), with a hand at mouse and keyboard and an eye on the screen.
 
     While it stands it is the DISPLAY of this process. It must stand before the framework first asks for a display, and
@@ -33,11 +29,10 @@ public:
     void pressMouse (bool down);
     void pressShift (bool down);
 
-    /** Pixels as 0xffRRGGBB, row by row. */
-    std::vector<std::uint32_t> capture (ScreenArea);
+    juce::Image capture (juce::Rectangle<int>);
 
     /** The windows on the screen, menus among them, that belong to no other, bottom to top. */
-    std::vector<ScreenArea> openWindows();
+    std::vector<juce::Rectangle<int>> openWindows();
 
     /** Gives the keyboard to the topmost of them, as a window manager does. */
     void focusTopmostWindow();
@@ -48,6 +43,6 @@ public:
 private:
     struct Connection;
     std::unique_ptr<Connection> connection;
-    int serverProcess = -1;
+    FILE* server = nullptr; // its output
 };
 } // namespace tarvelline::test

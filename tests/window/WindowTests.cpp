@@ -139,7 +139,8 @@ TEST (RangeMenu, ChoosesTheSpan)
     ASSERT_EQ (HostWindow::screen->openWindows().size(), windows + 1) << "the menu opens in a window of its own";
 
     const auto menu = HostWindow::screen->openWindows().back();
-    host.click ({ menu.x + menu.width / 2 - HostWindow::x, menu.y + menu.height * 9 / 12 - HostWindow::y }); // 5th of 6
+    host.click (
+        { menu.getCentreX() - HostWindow::x, menu.getY() + menu.getHeight() * 9 / 12 - HostWindow::y }); // 5th of 6
     host.run (200);
     EXPECT_EQ (HostWindow::screen->openWindows().size(), windows);
     EXPECT_FLOAT_EQ (host.parameter (mainRange).getValue(), 0.8f);
