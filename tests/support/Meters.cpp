@@ -98,17 +98,13 @@ double frequencyHz (Signal signal, double rate)
         }
     }
 
-    // Longer and longer pieces around the middle: each finds the peak well inside the next one's main lobe.
-    for (auto length = coarseLength; length < signal.size(); length *= 2)
+    // Smaller and smaller steps in longer and longer pieces around the middle: each finds the peak well inside the next one's
+    // main lobe. A parabola fits the better the closer its points: the last step is a hundredth of a bin.
+    for (auto step = 0.5 * rate / coarseLength; step > 0.005 * rate / static_cast<double> (signal.size()); step *= 0.5)
     {
-        const auto piece = signal.subspan ((signal.size() - length) / 2, length);
-        hertz = climb (piece, climb (piece, hertz, 0.5 * rate / static_cast<double> (length), rate),
-                       0.2 * rate / static_cast<double> (length), rate);
+        const auto length = std::min (signal.size(), static_cast<std::size_t> (0.5 * rate / step));
+        hertz = climb (signal.subspan ((signal.size() - length) / 2, length), hertz, step, rate);
     }
-
-    // A parabola fits the better the closer its points: the last step is a hundredth of a bin.
-    for (const auto share : { 0.5, 0.2, 0.05, 0.01 })
-        hertz = climb (signal, hertz, share * rate / static_cast<double> (signal.size()), rate);
 
     return hertz;
 }

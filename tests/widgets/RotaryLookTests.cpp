@@ -44,7 +44,7 @@ struct Rotary
     std::vector<float> runsAt (float radius)
     {
         const auto pixels = radius * static_cast<float> (slider.getWidth());
-        return litRuns (pictureOf (slider), centre(), pixels, pi, 2.0f * pi, isInk);
+        return litRuns (pictureOf (slider), centre(), pixels, isInk);
     }
 
     Look look;
