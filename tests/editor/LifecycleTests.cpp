@@ -33,21 +33,6 @@ TEST (Closing, TakesEveryLookFromItsControlsWhileItLives)
         EXPECT_TRUE (done) << id;
 }
 
-// Callbacks into a window that is gone, or a second window that goes with the first.
-TEST (Closing, LeavesTheProcessorAndOtherWindowsAlone)
-{
-    EditorRig rig;
-    const std::unique_ptr<juce::AudioProcessorEditor> second (rig.processor.createEditor());
-    rig.editor.reset();
-
-    for (const auto& row : parameterTable)
-        rig.set (row.id, 0.3f * row.rangeEnd);
-
-    const auto* wheel = dynamic_cast<juce::Slider*> (second->findChildWithID ("mainWheelSlider"));
-    EXPECT_NEAR (wheel->getValue(), rig.get (parameterId::mainWheelPar), 1.0e-6);
-    EXPECT_EQ (rig.processor.bendSteps, 0.0);
-}
-
 // A control that the Tab key never reaches, a display where it stops for nothing, or a walk to and fro; in the half window,
 // one that wanders off to controls that nobody sees.
 TEST (Accessibility, TabVisitsEveryVisibleControlOnceFromTopToBottom)

@@ -7,7 +7,6 @@
 #include <X11/keysym.h>
 
 #include <cstdlib>
-#include <mutex>
 #include <stdexcept>
 
 #include <unistd.h>
@@ -16,18 +15,6 @@ namespace tarvelline::test
 {
 namespace
 {
-std::mutex errorMutex;
-std::map<std::string, int> errorCounts;
-
-int noteError (Display* display, XErrorEvent* event)
-{
-    char text[200] = {};
-    XGetErrorText (display, event->error_code, text, sizeof (text));
-    const std::lock_guard lock (errorMutex);
-    ++errorCounts[std::string (text) + ", request " + std::to_string (event->request_code)];
-    return 0;
-}
-
 /** Starts a server that ends with its last client, be it by a crash. @returns its output, once it is ready; nullptr if the
     display is taken. */
 FILE* startServer (const std::string& display, const std::string& screen)
@@ -108,7 +95,6 @@ VirtualScreen::VirtualScreen (int width, int height)
 
     setenv ("DISPLAY", name.c_str(), 1);
     connection = std::make_unique<Connection> (name);
-    XSetErrorHandler (noteError);
 }
 
 VirtualScreen::~VirtualScreen()
@@ -172,11 +158,5 @@ void VirtualScreen::focusTopmostWindow()
         XSetInputFocus (connection->display, windows.back().first, RevertToParent, CurrentTime);
 
     XSync (connection->display, False);
-}
-
-std::map<std::string, int> VirtualScreen::errors()
-{
-    const std::lock_guard lock (errorMutex);
-    return errorCounts;
 }
 } // namespace tarvelline::test

@@ -4,7 +4,6 @@
 #include <juce_graphics/juce_graphics.h>
 
 #include <cstdio>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,7 +13,7 @@ namespace tarvelline::test
 /** An X server of its own without a monitor (Xvfb, 24 bits), with a hand at mouse and keyboard and an eye on the screen.
 
     While it stands it is the DISPLAY of this process. It must stand before the framework first asks for a display, and
-    until the framework has shut down. One thread. */
+    until the framework has shut down. One thread. A protocol error of this process ends it, which is Xlib's default. */
 class VirtualScreen
 {
 public:
@@ -36,9 +35,6 @@ public:
 
     /** Gives the keyboard to the topmost of them, as a window manager does. */
     void focusTopmostWindow();
-
-    /** The protocol errors of this process so far, as the server words them, and how often. They do not end the process. */
-    static std::map<std::string, int> errors();
 
 private:
     struct Connection;

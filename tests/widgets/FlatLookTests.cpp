@@ -10,23 +10,6 @@ namespace tarvelline::test
 {
 namespace
 {
-TEST (FlatText, GrowsWithItsControlDownToAFloor)
-{
-    TarvellineLookAndFeel look;
-    MidiOptionsLookAndFeel midiLook;
-    juce::TextButton textButton;
-    MyComboBox comboBox;
-
-    for (const auto& [height, box, button, midiButton] :
-         { std::tuple { 30, 24.0f, 24.0f, 12.0f }, { 15, 16.0f, 12.0f, 6.0f }, { 4, 16.0f, 4.0f, 4.0f } })
-    {
-        comboBox.setSize (74, height);
-        EXPECT_FLOAT_EQ (look.getComboBoxFont (comboBox).getHeight(), box);
-        EXPECT_FLOAT_EQ (look.getTextButtonFont (textButton, height).getHeight(), button);
-        EXPECT_FLOAT_EQ (midiLook.getTextButtonFont (textButton, height).getHeight(), midiButton);
-    }
-}
-
 // The framework's box around the text, or its arrow beside it, which pushes the text off the centre.
 TEST (RangeBox, ShowsItsTextAloneAndCentred)
 {

@@ -109,24 +109,16 @@ std::vector<juce::String> integers (int last, int stride)
     return result;
 }
 
-struct ScaleCase
-{
-    int steps;
-    size_t ticks, longTicks;
-    std::vector<juce::String> numbers;
-};
-
-void PrintTo (const ScaleCase& scale, std::ostream* out) { *out << scale.steps << " steps"; }
-
-class Scale : public testing::TestWithParam<ScaleCase>
+class Scale : public testing::TestWithParam<std::tuple<int, size_t, size_t, std::vector<juce::String>>>
 {
 };
 
-INSTANTIATE_TEST_SUITE_P (Table, Scale,
-                          testing::Values (ScaleCase { 2, 11, 3, { "-1", "0", "+1" } },
-                                           ScaleCase { 5, 26, 6, { "-2.5", "-1.5", "-0.5", "0.5", "+1.5", "+2.5" } },
-                                           ScaleCase { 24, 121, 25, integers (12, 1) },
-                                           ScaleCase { 48, 241, 49, integers (24, 2) }));
+INSTANTIATE_TEST_SUITE_P (
+    Table, Scale,
+    testing::Values (std::tuple { 2, 11u, 3u, std::vector<juce::String> { "-1", "0", "+1" } },
+                     std::tuple { 5, 26u, 6u,
+                                  std::vector<juce::String> { "-2.5", "-1.5", "-0.5", "0.5", "+1.5", "+2.5" } },
+                     std::tuple { 24, 121u, 25u, integers (12, 1) }, std::tuple { 48, 241u, 49u, integers (24, 2) }));
 
 // The last tick lost to rounding, a long tick off its step, or lengths mixed up. "+0", "-12.0", "+0.5", every number on a
 // crowded scale, or every second one from the second on. Numbers off their ticks; a plus sign that pushes the digits aside.
