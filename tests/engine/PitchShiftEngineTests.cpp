@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/EngineTables.h"
 #include "engine/PitchShiftEngine.h"
 #include "tests/support/InstructionSets.h"
 #include "tests/support/Meters.h"
@@ -178,6 +179,12 @@ TEST_P (EngineOnEach, SoundsAsTheScalarCodeInRunsOfAnyLength)
         EXPECT_TRUE (sameBits (output, playOn (GetParam(), 1))) << ratio;
         EXPECT_TRUE (sameBits (output, playOn (GetParam(), 37))) << ratio;
     }
+}
+
+// Catches band limits taken in double: single precision puts the last peak bin at 176.4 kHz on 128, not 127.
+TEST (EngineTables, BandLimitsAreTakenInSinglePrecision)
+{
+    EXPECT_EQ (EngineTables (8192, 176400.0f * 1.0416667e-5f, 176400.0f).peakStartBin, 128.0f);
 }
 
 // Catches missing guards: NaNs from 0 / 0, and arithmetic that creeps along on denormals for as long as silence lasts.
