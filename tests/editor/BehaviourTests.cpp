@@ -23,7 +23,7 @@ TEST (FreshWindow, ShowsTheDefaults)
     EXPECT_FALSE (rig.readOut().isVisible());
 }
 
-// Attachments crossed, or one missing: both ways, with a value that no other control has.
+// Attachments crossed, or one missing: both ways, with a value that no other control has; and in the next window.
 TEST (Binding, ControlsAndParametersMoveEachOther)
 {
     EditorRig rig;
@@ -55,43 +55,11 @@ TEST (Binding, ControlsAndParametersMoveEachOther)
         rig.set (id, 2.0f);
         EXPECT_EQ (rig.control<juce::ComboBox> (control).getText(), "6") << id;
     }
-}
 
-// Controls that show one thing while the processor does another: after a restore, and in a window opened after it.
-TEST (Binding, RestoredStateReachesTheOpenWindowAndTheNext)
-{
-    EditorRig source, rig;
+    rig.open();
 
-    for (size_t i = 0; i < parameterTable.size(); ++i)
-        source.set (parameterTable[i].id, parameterTable[i].rangeEnd * (i % 2 == 0 ? 0.2f : 0.6f));
-
-    source.set (midiOptions, 0.0f);
-    juce::MemoryBlock state;
-    source.processor.getStateInformation (state);
-    rig.processor.setStateInformation (state.getData(), static_cast<int> (state.getSize()));
-
-    for (auto window = 1; window <= 2; ++window)
-    {
-        for (const auto& [control, id] : boundSliders)
-            EXPECT_NEAR (rig.control<juce::Slider> (control).getValue(), source.get (id), 1.0e-6) << control;
-        for (const auto& [control, id] : boundButtons)
-            EXPECT_EQ (rig.control<juce::Button> (control).getToggleState(), source.get (id) >= 0.5f) << control;
-        for (const auto& [control, id] : boundBoxes)
-            EXPECT_EQ (rig.control<juce::ComboBox> (control).getSelectedItemIndex(),
-                       juce::roundToInt (source.get (id)));
-
-        EXPECT_EQ (rig.textOf ("pitchSnapButton"), "Off");
-        EXPECT_EQ (rig.snapTo ("mainWheelSlider"), 0.0);
-        EXPECT_EQ (rig.snapTo ("pitchScaleSlider"), 4.0);
-        EXPECT_EQ (rig.snapTo ("timbreWheelSlider"), 12.0);
-        EXPECT_EQ (rig.processor.bendSteps, 0.0);
-        EXPECT_EQ (rig.textOf ("midiModeButton"), "Multi");
-        EXPECT_FALSE (rig.processor.midiTransposeMode);
-
-        rig.processor.outputGain = 0.7f;
-        rig.open();
-        EXPECT_EQ (rig.processor.outputGain, 0.7f) << "Multi leaves the level alone";
-    }
+    for (const auto& [control, id] : boundSliders)
+        EXPECT_NEAR (rig.control<juce::Slider> (control).getValue(), rig.get (id), 1.0e-6) << control;
 }
 
 /** A host that has a menu for every parameter, and hears how its parameters are edited. */
@@ -152,50 +120,61 @@ Grids gridsOf (EditorRig& rig)
              rig.snapTo ("timbreScaleSlider"), rig.snapTo ("timbreWheelSlider") };
 }
 
-// The bend quantised to another grid than the wheel, or timbre's range leaking into the pitch bend.
-TEST (RangeBox, SetsTheGridsOfItsSection)
+// Controls that show one thing while the processor does another: after a restore, and in a window opened after it.
+TEST (Binding, RestoredStateReachesTheOpenWindowAndTheNext)
+{
+    EditorRig source, rig;
+    source.set (mainRange, 1.0f);
+    source.set (timbRange, 5.0f);
+    source.set (mainSnap, 0.0f);
+    source.set (midiOptions, 0.0f);
+    juce::MemoryBlock state;
+    source.processor.getStateInformation (state);
+    rig.processor.setStateInformation (state.getData(), static_cast<int> (state.getSize()));
+
+    for (auto window = 1; window <= 2; ++window)
+    {
+        EXPECT_EQ (rig.textOf ("pitchSnapButton"), "Off");
+        EXPECT_EQ (rig.textOf ("timbreSnapButton"), "On");
+        EXPECT_EQ (rig.textOf ("midiModeButton"), "Multi");
+        EXPECT_EQ (gridsOf (rig), (Grids { 4.0, 0.0, 0.0, 48.0, 48.0 }));
+        EXPECT_FALSE (rig.processor.midiTransposeMode);
+
+        rig.processor.outputGain = 0.7f;
+        rig.open();
+        EXPECT_EQ (rig.processor.outputGain, 0.7f) << "Multi leaves the level alone";
+    }
+}
+
+// The bend quantised to another grid than the wheel, or timbre's range leaking into the pitch bend. The scale must show the
+// range, drawn anew, even while the wheel moves freely.
+TEST (Grids, FollowTheRangeAndTheSnapOfTheirSection)
 {
     for (const auto& [index, steps] : { std::pair { 0, 2.0 }, std::pair { 1, 4.0 }, std::pair { 2, 6.0 },
                                         std::pair { 4, 24.0 }, std::pair { 5, 48.0 }, std::pair { -1, 2.0 } })
     {
-        EditorRig rig;
-        rig.choose ("pitchRangeBox", index);
-        EXPECT_EQ (gridsOf (rig), (Grids { steps, steps, steps, 12.0, 12.0 })) << index;
-        rig.choose ("pitchRangeBox", 3);
-        rig.choose ("timbreRangeBox", index);
-        EXPECT_EQ (gridsOf (rig), (Grids { 12.0, 12.0, 12.0, steps, steps })) << index;
-    }
-}
-
-// The scale must show the range even while the wheel moves freely, and a bend belongs to the pitch side alone.
-TEST (SnapButton, FreesTheWheelAndTheBendButNotTheScale)
-{
-    EditorRig rig;
-    rig.toggle ("pitchSnapButton", false);
-    EXPECT_EQ (rig.textOf ("pitchSnapButton"), "Off");
-    EXPECT_EQ (gridsOf (rig), (Grids { 12.0, 0.0, 0.0, 12.0, 12.0 }));
-    rig.choose ("pitchRangeBox", 4);
-    EXPECT_EQ (gridsOf (rig), (Grids { 24.0, 0.0, 0.0, 12.0, 12.0 }));
-    rig.toggle ("pitchSnapButton", true);
-    EXPECT_EQ (gridsOf (rig), (Grids { 24.0, 24.0, 24.0, 12.0, 12.0 }));
-
-    rig.toggle ("timbreSnapButton", false);
-    EXPECT_EQ (rig.textOf ("timbreSnapButton"), "Off");
-    EXPECT_EQ (gridsOf (rig), (Grids { 24.0, 24.0, 24.0, 12.0, 0.0 }));
-    rig.choose ("timbreRangeBox", 5);
-    EXPECT_EQ (gridsOf (rig), (Grids { 24.0, 24.0, 24.0, 48.0, 0.0 }));
-}
-
-TEST (RangeChange, RedrawsTheScale)
-{
-    for (const auto& [box, scale] :
-         { std::pair { "pitchRangeBox", "pitchScaleSlider" }, std::pair { "timbreRangeBox", "timbreScaleSlider" } })
-    {
         auto repaints = 0; // outlives the window, whose end repaints once more
         EditorRig rig (0, true);
-        RepaintListener::listenTo (rig.control (scale), [&] { ++repaints; });
-        rig.choose (box, 4);
-        EXPECT_GT (repaints, 0) << scale;
+        RepaintListener::listenTo (rig.control ("pitchScaleSlider"), [&] { repaints |= 1; });
+        RepaintListener::listenTo (rig.control ("timbreScaleSlider"), [&] { repaints |= 2; });
+        rig.choose ("pitchRangeBox", index);
+        EXPECT_EQ (gridsOf (rig), (Grids { steps, steps, steps, 12.0, 12.0 })) << index;
+        EXPECT_EQ (repaints, 1);
+
+        rig.toggle ("pitchSnapButton", false);
+        EXPECT_EQ (rig.textOf ("pitchSnapButton"), "Off");
+        EXPECT_EQ (gridsOf (rig), (Grids { steps, 0.0, 0.0, 12.0, 12.0 }));
+        rig.choose ("pitchRangeBox", 3);
+        EXPECT_EQ (gridsOf (rig), (Grids { 12.0, 0.0, 0.0, 12.0, 12.0 }));
+        rig.toggle ("pitchSnapButton", true);
+
+        repaints = 0;
+        rig.choose ("timbreRangeBox", index);
+        EXPECT_EQ (gridsOf (rig), (Grids { 12.0, 12.0, 12.0, steps, steps })) << index;
+        EXPECT_EQ (repaints, 2);
+        rig.toggle ("timbreSnapButton", false);
+        EXPECT_EQ (rig.textOf ("timbreSnapButton"), "Off");
+        EXPECT_EQ (gridsOf (rig), (Grids { 12.0, 12.0, 12.0, steps, 0.0 }));
     }
 }
 
@@ -217,31 +196,18 @@ TEST (MidiModeButton, RestartsTheFadeInOnlyForSingle)
 // A knob that acts only after the next refresh, with another curve than the refresh has, or on the other wheel.
 TEST (Knob, ShapesItsWheelAtOnce)
 {
-    struct Case
+    for (const auto& [knob, value, field, expected] :
+         { std::tuple { "GravitySlider", 0.8, &WheelRecord::gravityAmount, 0.32968 },
+           { "InertiaSlider", 0.8, &WheelRecord::acceleration, 8.5e-9 },
+           { "SmoothSlider", 0.5, &WheelRecord::slewStep, 6.8988306e-6 } })
     {
-        const char* knob;
-        double value;
-        RelaxedAtomic<double> WheelRecord::*field;
-        double expected;
-    };
-    constexpr Case cases[] = {
-        { "GravitySlider", 0.8, &WheelRecord::gravityAmount, 0.32968 },
-        { "InertiaSlider", 0.8, &WheelRecord::acceleration, 8.5e-9 },
-        { "SmoothSlider", 0.5, &WheelRecord::slewStep, 6.8988306e-6 },
-    };
-
-    for (const auto& [knob, value, field, expected] : cases)
-        for (const auto isTimbre : { false, true })
-        {
-            EditorRig rig; // at 44.1 kHz the time scale is 1
-            auto& wheel = isTimbre ? rig.processor.timbWheel : rig.processor.mainWheel;
-            auto& other = isTimbre ? rig.processor.mainWheel : rig.processor.timbWheel;
-            const double otherBefore = other.*field;
-            rig.turn (juce::String (isTimbre ? "timbre" : "pitch") + knob, value);
-
-            EXPECT_NEAR (wheel.*field, expected, expected * 1.0e-6) << knob << " at " << value;
-            EXPECT_EQ (other.*field, otherBefore) << knob;
-        }
+        EditorRig rig; // at 44.1 kHz the time scale is 1
+        rig.turn (juce::String ("pitch") + knob, value);
+        EXPECT_NEAR (rig.processor.mainWheel.*field, expected, expected * 1.0e-6) << knob;
+        EXPECT_NE (rig.processor.timbWheel.*field, rig.processor.mainWheel.*field) << knob;
+        rig.turn (juce::String ("timbre") + knob, value);
+        EXPECT_NEAR (rig.processor.timbWheel.*field, expected, expected * 1.0e-6) << knob;
+    }
 }
 
 void tick (EditorRig& rig, int times)

@@ -77,13 +77,5 @@ TEST (Resizing, HasLimitsAndIsRecordedForTheNextWindow)
     EXPECT_EQ (rig.editor->getHeight(), 400);
 }
 
-// A dial that takes the clicks meant for the wheel over it, or a ring those of the panel.
-TEST (Layout, LeavesTheMouseToTheControls)
-{
-    EditorRig rig (576, true);
-    EXPECT_EQ (rig.editor->getComponentAt (256, 230), &rig.control ("mainWheelSlider"));
-    EXPECT_EQ (rig.editor->getComponentAt (256, 30), rig.editor.get()) << "the scale";
-    EXPECT_EQ (rig.editor->getComponentAt (200, 540), rig.editor.get()) << "the keyboard";
-}
 } // namespace
 } // namespace tarvelline::test

@@ -39,35 +39,33 @@ TEST (Panel, IsTheWholePictureOrItsLeftHalf)
     EXPECT_EQ (differingPixels (pictureOfOnly (half, {}), artwork(), 1), 0);
 }
 
-class ScaleOnPanel : public testing::TestWithParam<int>
-{
-};
-
 // A panel too dark for the ticks or too light for the numbers, or artwork that reaches under the ring. The ink is where
 // the scales leave exactly their colours.
-TEST_P (ScaleOnPanel, HasContrastOfThreeToOne)
+TEST (ScaleOnPanel, HasContrastOfThreeToOne)
 {
-    EditorRig rig (576, true);
-    rig.choose ("pitchRangeBox", GetParam());
-    rig.choose ("timbreRangeBox", GetParam());
-    const auto scales = pictureOfOnly (rig, { "pitchScaleSlider", "timbreScaleSlider" });
     const auto panel = artwork();
-    std::map<juce::uint32, double> least { { tickColour.getARGB(), 21.0 }, { numberColour.getARGB(), 21.0 } };
 
-    for (auto y = 0; y < panel.getHeight(); ++y)
-        for (auto x = 0; x < panel.getWidth(); ++x)
-            if (const auto found = least.find (scales.getPixelAt (x, y).getARGB()); found != least.end())
-                found->second =
-                    std::min (found->second, contrastRatio (juce::Colour (found->first), panel.getPixelAt (x, y)));
-
-    for (const auto& [ink, contrast] : least)
+    for (auto range = 0; range < 6; ++range)
     {
-        EXPECT_GE (contrast, 3.0) << juce::Colour (ink).toString(); // measured: 3.16 for both
-        EXPECT_LT (contrast, 21.0) << "no ink found";
+        EditorRig rig (576, true);
+        rig.choose ("pitchRangeBox", range);
+        rig.choose ("timbreRangeBox", range);
+        const auto scales = pictureOfOnly (rig, { "pitchScaleSlider", "timbreScaleSlider" });
+
+        for (const auto ink : { tickColour, numberColour })
+        {
+            auto least = 21.0;
+
+            for (auto y = 0; y < panel.getHeight(); ++y)
+                for (auto x = 0; x < panel.getWidth(); ++x)
+                    if (scales.getPixelAt (x, y) == ink)
+                        least = std::min (least, contrastRatio (ink, panel.getPixelAt (x, y)));
+
+            EXPECT_GE (least, 3.0) << ink.toString(); // measured: 3.16 for both
+            EXPECT_LT (least, 21.0) << "no ink found";
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P (Ranges, ScaleOnPanel, testing::Range (0, 6));
 
 // The read-out is half transparent: what counts is the mixed colour on the plain ground it must lie on.
 TEST (ReadOutOnPanel, HasContrastOfThreeToOne)

@@ -2,7 +2,6 @@
 #include "tests/support/DrawnText.h"
 
 #include <cmath>
-#include <map>
 
 namespace tarvelline::test
 {
@@ -16,24 +15,13 @@ public:
 
     void drawGlyph (int glyph, const juce::AffineTransform& transform) override
     {
-        const auto whole = stack->transform.getTransformWith (transform);
-        note (characterFor (glyph), { whole.getTranslationX(), whole.getTranslationY() });
-        LowLevelGraphicsSoftwareRenderer::drawGlyph (glyph, transform);
-    }
-
-    std::vector<DrawnText> texts;
-
-private:
-    void note (juce::String character, juce::Point<float> position)
-    {
-        constexpr auto mostBlanks = 3; // a wider gap parts two texts
+        constexpr auto mostBlanks = 3.0f; // a wider gap parts two texts
         const auto& font = stack->font;
+        const auto position = juce::Point<float>().transformedBy (stack->transform.getTransformWith (transform));
         const auto blanks =
-            texts.empty()
-                ? 0
-                : static_cast<int> (std::lround ((position.x - texts.back().right) / font.getStringWidthFloat (" ")));
+            texts.empty() ? -1.0f : std::round ((position.x - texts.back().right) / font.getStringWidthFloat (" "));
 
-        if (texts.empty() || std::abs (texts.back().baseline - position.y) > 0.1f || blanks < 0 || blanks > mostBlanks
+        if (blanks < 0.0f || blanks > mostBlanks || std::abs (texts.back().baseline - position.y) > 0.1f
             || ! juce::approximatelyEqual (texts.back().height, font.getHeight()))
             texts.push_back ({ {},
                                position.x,
@@ -43,48 +31,39 @@ private:
                                font.getTypefacePtr()->getName(),
                                stack->fillType.colour });
         else
-            texts.back().text += juce::String::repeatedString (" ", blanks);
+            texts.back().text += juce::String::repeatedString (" ", static_cast<int> (blanks));
 
+        const auto character = characterFor (glyph);
         texts.back().text += character;
         texts.back().right = position.x + font.getStringWidthFloat (character);
     }
 
+    std::vector<DrawnText> texts;
+
+private:
     juce::String characterFor (int glyph)
     {
-        auto typeface = stack->font.getTypefacePtr();
-        auto& characters = known[typeface.get()];
-
-        if (characters.empty())
+        for (auto c = juce::juce_wchar { ' ' }; c <= '~'; ++c)
         {
-            for (auto c = juce::juce_wchar { '~' }; c >= ' '; --c)
-            {
-                juce::Array<int> glyphs;
-                juce::Array<float> offsets;
-                typeface->getGlyphPositions (juce::String::charToString (c), glyphs, offsets);
-                characters[glyphs.getFirst()] = juce::String::charToString (c);
-            }
+            juce::Array<int> glyphs;
+            juce::Array<float> offsets;
+            stack->font.getTypefacePtr()->getGlyphPositions (juce::String::charToString (c), glyphs, offsets);
+
+            if (glyphs.getFirst() == glyph)
+                return juce::String::charToString (c);
         }
 
-        return characters[glyph];
+        return "?";
     }
-
-    std::map<juce::Typeface*, std::map<int, juce::String>> known;
 };
 } // namespace
 
-std::vector<DrawnText> textsDrawnBy (int width, int height, const std::function<void (juce::Graphics&)>& draw)
-{
-    const juce::Image image (juce::Image::ARGB, width, height, true);
-    GlyphListener listener (image);
-    juce::Graphics g (listener);
-    draw (g);
-    return listener.texts;
-}
-
 std::vector<DrawnText> textsOf (juce::Component& component)
 {
-    return textsDrawnBy (component.getWidth(), component.getHeight(),
-                         [&] (juce::Graphics& g) { component.paintEntireComponent (g, true); });
+    GlyphListener listener ({ juce::Image::ARGB, component.getWidth(), component.getHeight(), true });
+    juce::Graphics g (listener);
+    component.paintEntireComponent (g, true);
+    return listener.texts;
 }
 
 std::vector<juce::String> wordsOf (juce::Component& component)

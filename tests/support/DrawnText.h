@@ -3,8 +3,6 @@
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
-#include <functional>
-#include <iosfwd>
 #include <vector>
 
 namespace tarvelline::test
@@ -21,10 +19,7 @@ struct DrawnText
     juce::Colour colour;   // with the opacity it was drawn in
 };
 
-/** All text that `draw` draws on a picture of the given size, line by line in the order of drawing. Printable ASCII only. */
-std::vector<DrawnText> textsDrawnBy (int width, int height, const std::function<void (juce::Graphics&)>& draw);
-
-/** All text that a component and its children show. */
+/** All text that a component and its children show, line by line in the order of drawing. Printable ASCII only. */
 std::vector<DrawnText> textsOf (juce::Component&);
 
 /** The words alone. */

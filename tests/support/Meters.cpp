@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <limits>
 #include <numbers>
+#include <numeric>
 
 namespace tarvelline::test
 {
@@ -97,17 +98,13 @@ double frequencyHz (Signal signal, double rate)
         }
     }
 
-    // Longer and longer pieces around the middle: each finds the peak well inside the next one's main lobe.
-    for (auto length = coarseLength; length < signal.size(); length *= 2)
+    // Smaller and smaller steps in longer and longer pieces around the middle: each finds the peak well inside the next one's
+    // main lobe. A parabola fits the better the closer its points: the last step is a hundredth of a bin.
+    for (auto step = 0.5 * rate / coarseLength; step > 0.005 * rate / static_cast<double> (signal.size()); step *= 0.5)
     {
-        const auto piece = signal.subspan ((signal.size() - length) / 2, length);
-        hertz = climb (piece, climb (piece, hertz, 0.5 * rate / static_cast<double> (length), rate),
-                       0.2 * rate / static_cast<double> (length), rate);
+        const auto length = std::min (signal.size(), static_cast<std::size_t> (0.5 * rate / step));
+        hertz = climb (signal.subspan ((signal.size() - length) / 2, length), hertz, step, rate);
     }
-
-    // A parabola fits the better the closer its points: the last step is a hundredth of a bin.
-    for (const auto share : { 0.5, 0.2, 0.05, 0.01 })
-        hertz = climb (signal, hertz, share * rate / static_cast<double> (signal.size()), rate);
 
     return hertz;
 }
@@ -121,35 +118,10 @@ double componentDb (Signal signal, double hertz, double rate)
     return decibels (std::norm (spectrumAt (signal, hertz, rate)));
 }
 
-double spectralCentroidHz (Signal signal, double rate)
+float peak (Signal signal)
 {
-    constexpr std::size_t pieceLength = 2048;
-    double weighted = 0.0, total = 0.0;
-
-    for (std::size_t start = 0; start + pieceLength <= signal.size(); start += pieceLength)
-        for (std::size_t bin = 1; bin < pieceLength / 2; ++bin)
-        {
-            const auto hertz = static_cast<double> (bin) * rate / static_cast<double> (pieceLength);
-            const auto binPower = std::norm (spectrumAt (signal.subspan (start, pieceLength), hertz, rate));
-            weighted += hertz * binPower;
-            total += binPower;
-        }
-
-    return weighted / total;
-}
-
-std::size_t peakIndex (Signal signal)
-{
-    const auto largest =
-        std::max_element (signal.begin(), signal.end(), [] (float a, float b) { return std::abs (a) < std::abs (b); });
-    return static_cast<std::size_t> (largest - signal.begin());
-}
-
-float peak (Signal signal) { return signal.empty() ? 0.0f : std::abs (signal[peakIndex (signal)]); }
-
-double relativeRmsError (Signal actual, Signal expected)
-{
-    return std::sqrt (differencePower (actual, expected) / power (expected));
+    return std::accumulate (signal.begin(), signal.end(), 0.0f,
+                            [] (float a, float b) { return std::max (a, std::abs (b)); });
 }
 
 double signalToDifferenceDb (Signal actual, Signal expected)

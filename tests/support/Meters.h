@@ -23,17 +23,8 @@ double levelDb (Signal);
     suppressed once they are more than two bins (rate / length) away. */
 double componentDb (Signal, double hertz, double rate);
 
-/** Centre of gravity of the power spectrum, in Hz. */
-double spectralCentroidHz (Signal, double rate);
-
-/** Index of the sample with the largest magnitude: where an impulse came out. */
-std::size_t peakIndex (Signal);
-
 /** The largest magnitude. */
 float peak (Signal);
-
-/** RMS of the difference over the RMS of what was expected. The signals are equally long. */
-double relativeRmsError (Signal actual, Signal expected);
 
 /** Level of what was expected over the level of the difference, in dB; infinite when they are equal. */
 double signalToDifferenceDb (Signal actual, Signal expected);

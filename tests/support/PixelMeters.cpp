@@ -46,17 +46,9 @@ juce::Image pictureOf (juce::Component& component)
     return component.createComponentSnapshot (component.getLocalBounds(), true, 1.0f);
 }
 
-Polar polarFrom (juce::Point<float> centre, juce::Point<float> point)
+std::vector<float> litRuns (const juce::Image& image, juce::Point<float> centre, float radius, const PixelTest& isLit)
 {
-    return { std::atan2 (point.x - centre.x, centre.y - point.y), centre.getDistanceFrom (point) };
-}
-
-float angleBetween (float a, float b) { return std::remainder (a - b, juce::MathConstants<float>::twoPi); }
-
-std::vector<float> litRuns (const juce::Image& image, juce::Point<float> centre, float radius, float from, float length,
-                            const PixelTest& isLit)
-{
-    constexpr auto samplesPerPixel = 4.0f;
+    constexpr auto from = juce::MathConstants<float>::pi, length = 2.0f * from, samplesPerPixel = 4.0f;
     const auto samples = static_cast<int> (length * radius * samplesPerPixel);
     const auto step = length / static_cast<float> (samples);
     std::vector<float> runs;
@@ -138,13 +130,5 @@ double contrastRatio (juce::Colour first, juce::Colour second)
 {
     const auto a = luminance (first) + 0.05, b = luminance (second) + 0.05;
     return std::max (a, b) / std::min (a, b);
-}
-
-void writePicture (const juce::Image& image, const juce::String& name)
-{
-    const auto file = juce::File::getCurrentWorkingDirectory().getChildFile (name);
-    file.deleteFile();
-    juce::FileOutputStream stream (file);
-    juce::PNGImageFormat().writeImageToStream (image, stream);
 }
 } // namespace tarvelline::test

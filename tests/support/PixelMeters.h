@@ -17,21 +17,8 @@ bool isOrange (juce::Colour); // the accent: of the puck's bar, the dial's mark 
 /** What a component and its children paint, one pixel a unit; transparent where they paint nothing. */
 juce::Image pictureOf (juce::Component&);
 
-struct Polar
-{
-    float angle = 0.0f; // -pi .. pi
-    float radius = 0.0f;
-};
-
-Polar polarFrom (juce::Point<float> centre, juce::Point<float>);
-
-/** The difference of two angles in -pi .. pi. */
-float angleBetween (float, float);
-
-/** The middles of the lit runs along a circle, as angles from `from` on, over a sweep of `length` radians. A run that lies
-    across either end counts once there. */
-std::vector<float> litRuns (const juce::Image&, juce::Point<float> centre, float radius, float from, float length,
-                            const PixelTest&);
+/** The middles of the lit runs around a circle, as angles of pi to 3 pi. */
+std::vector<float> litRuns (const juce::Image&, juce::Point<float> centre, float radius, const PixelTest&);
 
 /** Centre of gravity of the pixels that pass; not a number when none does. */
 juce::Point<float> centreOf (const juce::Image&, juce::Rectangle<int> area, const PixelTest&);
@@ -44,7 +31,4 @@ int differingPixels (const juce::Image&, const juce::Image&, int tolerance);
 
 /** Contrast of two opaque colours as accessibility guidelines define it: 1 (none) to 21 (black on white). */
 double contrastRatio (juce::Colour, juce::Colour);
-
-/** Writes a picture where the tests run, to be looked at. */
-void writePicture (const juce::Image&, const juce::String& name);
 } // namespace tarvelline::test

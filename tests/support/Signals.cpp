@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/Signals.h"
 
-#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <random>
@@ -30,16 +29,6 @@ Samples sine (double hertz, double rate, double seconds, double amplitude)
     return samples;
 }
 
-Samples harmonicTone (double hertz, double rate, double seconds, int partials, double amplitude)
-{
-    auto samples = silence (lengthOf (seconds, rate));
-
-    for (int n = 1; n <= partials && n * hertz < 0.45 * rate; ++n)
-        addSine (samples, n * hertz, rate, amplitude / n, 1.7 * n * n);
-
-    return samples;
-}
-
 Samples whiteNoise (int length, std::uint32_t seed, double amplitude)
 {
     // The generator's own words rather than a distribution, whose results are the library's choice.
@@ -59,23 +48,16 @@ Samples impulse (int length, int position)
     return samples;
 }
 
-Samples clickTrain (int length, int period)
+Samples material (int length)
 {
-    auto samples = silence (length);
+    auto samples = whiteNoise (length, noiseSeed, 0.05);
 
-    for (std::size_t i = 0; i < samples.size(); i += static_cast<std::size_t> (period))
-        samples[i] = 1.0f;
+    for (int n = 1; n <= 20; ++n)
+        addSine (samples, 147.0 * n, 44100.0, 0.3 / n, 1.7 * n * n); // the phases spread, so that the peak stays low
+
+    for (std::size_t i = 0; i < samples.size(); i += 5000)
+        samples[i] += 1.0f;
 
     return samples;
-}
-
-Samples mix (Samples first, const Samples& second)
-{
-    const auto shared = std::min (first.size(), second.size());
-
-    for (std::size_t i = 0; i < shared; ++i)
-        first[i] += second[i];
-
-    return first;
 }
 } // namespace tarvelline::test

@@ -18,19 +18,12 @@ int lengthOf (double seconds, double rate);
 Samples silence (int length);
 Samples sine (double hertz, double rate, double seconds, double amplitude);
 
-/** Partials 1 to `partials` of a tone, as far as they stay below 0.45 of the rate; partial n has amplitude / n. Their
-    phases are spread, so that the peak stays well below the sum of the amplitudes. */
-Samples harmonicTone (double hertz, double rate, double seconds, int partials, double amplitude);
-
 /** Uniform white noise in -amplitude .. amplitude, the same on every machine. */
 Samples whiteNoise (int length, std::uint32_t seed = noiseSeed, double amplitude = 0.5);
 
 /** Zeros, and one sample of 1 at `position`. */
 Samples impulse (int length, int position = 0);
 
-/** Ones at 0, period, 2 periods and so on; zeros elsewhere. */
-Samples clickTrain (int length, int period);
-
-/** The sum of two signals, as long as the first; the second counts as silent after its end. */
-Samples mix (Samples first, const Samples& second);
+/** Something of everything: the partials of a tone of 147 Hz at 44.1 kHz, a little noise, and a click every 5000 samples. */
+Samples material (int length);
 } // namespace tarvelline::test

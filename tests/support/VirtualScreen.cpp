@@ -6,66 +6,30 @@
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
-#include <csignal>
 #include <cstdlib>
-#include <mutex>
 #include <stdexcept>
 
-#include <fcntl.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace tarvelline::test
 {
 namespace
 {
-std::mutex errorMutex;
-std::map<std::string, int> errorCounts;
-
-int noteError (Display* display, XErrorEvent* event)
+/** Starts a server that ends with its last client, be it by a crash. @returns its output, once it is ready; nullptr if the
+    display is taken. */
+FILE* startServer (const std::string& display, const std::string& screen)
 {
-    char text[200] = {};
-    XGetErrorText (display, event->error_code, text, sizeof (text));
-    const std::lock_guard lock (errorMutex);
-    ++errorCounts[std::string (text) + ", request " + std::to_string (event->request_code)];
-    return 0;
-}
+    // Without its standard error, where it warns about keyboard symbols that nobody uses; says its number when it is ready.
+    auto* server =
+        popen (("exec Xvfb " + display + " -displayfd 1 -terminate -nolisten tcp -screen 0 " + screen + " 2> /dev/null")
+                   .c_str(),
+               "r");
 
-/** Starts a server, if the display is free. @returns its process once it is ready, -1 if it does not start */
-int startServer (const std::string& display, const std::string& screen)
-{
-    int ends[2];
+    if (server == nullptr || std::fgetc (server) != EOF)
+        return server;
 
-    if (pipe (ends) != 0)
-        return -1;
-
-    const auto process = fork();
-
-    if (process == 0)
-    {
-        prctl (PR_SET_PDEATHSIG, SIGTERM); // a test that dies takes its screen with it
-        close (ends[0]);
-        dup2 (open ("/dev/null", O_WRONLY), STDERR_FILENO); // it warns about keyboard symbols that nobody uses
-        execlp ("Xvfb", "Xvfb", display.c_str(), "-displayfd", std::to_string (ends[1]).c_str(), "-screen", "0",
-                screen.c_str(), "-nolisten", "tcp", "-noreset", static_cast<char*> (nullptr));
-        _exit (127);
-    }
-
-    close (ends[1]);
-    char answer = 0;
-
-    while (read (ends[0], &answer, 1) == 1 && answer != '\n') // the display's number, once it is ready
-    {
-    }
-
-    const auto isReady = answer == '\n';
-    close (ends[0]);
-
-    if (! isReady)
-        waitpid (process, nullptr, 0);
-
-    return isReady ? process : -1;
+    pclose (server);
+    return nullptr;
 }
 } // namespace
 
@@ -87,19 +51,19 @@ struct VirtualScreen::Connection
 
     ~Connection() { XCloseDisplay (display); }
 
-    std::vector<Window> viewableWindows()
+    std::vector<std::pair<Window, juce::Rectangle<int>>> viewableWindows()
     {
         Window root = 0, parent = 0, *children = nullptr;
         unsigned count = 0;
         XQueryTree (display, DefaultRootWindow (display), &root, &parent, &children, &count);
-        std::vector<Window> result;
+        std::vector<std::pair<Window, juce::Rectangle<int>>> result;
 
         for (unsigned i = 0; i < count; ++i)
         {
-            XWindowAttributes attributes;
+            XWindowAttributes a;
 
-            if (XGetWindowAttributes (display, children[i], &attributes) != 0 && attributes.map_state == IsViewable)
-                result.push_back (children[i]);
+            if (XGetWindowAttributes (display, children[i], &a) != 0 && a.map_state == IsViewable)
+                result.push_back ({ children[i], { a.x, a.y, a.width, a.height } });
         }
 
         XFree (children);
@@ -119,26 +83,24 @@ VirtualScreen::VirtualScreen (int width, int height)
 
     // Far from the numbers of desktops, and from the framework's default: a test without a display of its own that runs
     // beside this one would draw here, and end with this server.
-    for (auto attempt = 0; attempt < 20 && serverProcess < 0; ++attempt)
+    for (auto attempt = 0; attempt < 20 && server == nullptr; ++attempt)
     {
         const auto number = std::to_string (1000 + (getpid() + 37 * attempt) % 1000);
         name = ":" + number;
-        serverProcess = startServer (name, screen);
+        server = startServer (name, screen);
     }
 
-    if (serverProcess < 0)
+    if (server == nullptr)
         throw std::runtime_error ("Xvfb does not start");
 
     setenv ("DISPLAY", name.c_str(), 1);
     connection = std::make_unique<Connection> (name);
-    XSetErrorHandler (noteError);
 }
 
 VirtualScreen::~VirtualScreen()
 {
     connection.reset();
-    kill (serverProcess, SIGTERM);
-    waitpid (serverProcess, nullptr, 0);
+    pclose (server); // waits for its end
 }
 
 void VirtualScreen::moveMouse (int x, int y)
@@ -159,35 +121,31 @@ void VirtualScreen::pressShift (bool down)
     XSync (connection->display, False);
 }
 
-std::vector<std::uint32_t> VirtualScreen::capture (ScreenArea area)
+juce::Image VirtualScreen::capture (juce::Rectangle<int> area)
 {
-    std::vector<std::uint32_t> pixels;
-    auto* image =
-        XGetImage (connection->display, DefaultRootWindow (connection->display), area.x, area.y,
-                   static_cast<unsigned> (area.width), static_cast<unsigned> (area.height), AllPlanes, ZPixmap);
+    auto* pixels = XGetImage (connection->display, DefaultRootWindow (connection->display), area.getX(), area.getY(),
+                              static_cast<unsigned> (area.getWidth()), static_cast<unsigned> (area.getHeight()),
+                              AllPlanes, ZPixmap);
 
-    if (image == nullptr)
+    if (pixels == nullptr)
         throw std::runtime_error ("cannot read the screen");
 
-    for (auto y = 0; y < area.height; ++y)
-        for (auto x = 0; x < area.width; ++x)
-            pixels.push_back (0xff000000u | static_cast<std::uint32_t> (XGetPixel (image, x, y)));
+    juce::Image image (juce::Image::RGB, area.getWidth(), area.getHeight(), false);
 
-    XDestroyImage (image);
-    return pixels;
+    for (auto y = 0; y < area.getHeight(); ++y)
+        for (auto x = 0; x < area.getWidth(); ++x)
+            image.setPixelAt (x, y, juce::Colour (0xff000000u | static_cast<juce::uint32> (XGetPixel (pixels, x, y))));
+
+    XDestroyImage (pixels);
+    return image;
 }
 
-std::vector<ScreenArea> VirtualScreen::openWindows()
+std::vector<juce::Rectangle<int>> VirtualScreen::openWindows()
 {
-    std::vector<ScreenArea> areas;
+    std::vector<juce::Rectangle<int>> areas;
 
-    for (const auto window : connection->viewableWindows())
-    {
-        XWindowAttributes attributes;
-
-        if (XGetWindowAttributes (connection->display, window, &attributes) != 0)
-            areas.push_back ({ attributes.x, attributes.y, attributes.width, attributes.height });
-    }
+    for (const auto& [window, area] : connection->viewableWindows())
+        areas.push_back (area);
 
     return areas;
 }
@@ -197,14 +155,8 @@ void VirtualScreen::focusTopmostWindow()
     const auto windows = connection->viewableWindows();
 
     if (! windows.empty())
-        XSetInputFocus (connection->display, windows.back(), RevertToParent, CurrentTime);
+        XSetInputFocus (connection->display, windows.back().first, RevertToParent, CurrentTime);
 
     XSync (connection->display, False);
-}
-
-std::map<std::string, int> VirtualScreen::errors()
-{
-    const std::lock_guard lock (errorMutex);
-    return errorCounts;
 }
 } // namespace tarvelline::test

@@ -1,24 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <cstdint>
-#include <map>
+#include <juce_graphics/juce_graphics.h>
+
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace tarvelline::test
 {
-/** A rectangle of a screen's pixels. */
-struct ScreenArea
-{
-    int x = 0, y = 0, width = 0, height = 0;
-};
-
 /** An X server of its own without a monitor (Xvfb, 24 bits), with a hand at mouse and keyboard and an eye on the screen.
 
     While it stands it is the DISPLAY of this process. It must stand before the framework first asks for a display, and
-    until the framework has shut down. One thread. */
+    until the framework has shut down. One thread. A protocol error of this process ends it, which is Xlib's default. */
 class VirtualScreen
 {
 public:
@@ -33,21 +28,17 @@ public:
     void pressMouse (bool down);
     void pressShift (bool down);
 
-    /** Pixels as 0xffRRGGBB, row by row. */
-    std::vector<std::uint32_t> capture (ScreenArea);
+    juce::Image capture (juce::Rectangle<int>);
 
     /** The windows on the screen, menus among them, that belong to no other, bottom to top. */
-    std::vector<ScreenArea> openWindows();
+    std::vector<juce::Rectangle<int>> openWindows();
 
     /** Gives the keyboard to the topmost of them, as a window manager does. */
     void focusTopmostWindow();
 
-    /** The protocol errors of this process so far, as the server words them, and how often. They do not end the process. */
-    static std::map<std::string, int> errors();
-
 private:
     struct Connection;
     std::unique_ptr<Connection> connection;
-    int serverProcess = -1;
+    FILE* server = nullptr; // its output
 };
 } // namespace tarvelline::test

@@ -11,7 +11,6 @@ namespace tarvelline::test
 namespace
 {
 constexpr auto pi = juce::MathConstants<float>::pi;
-using Words = std::vector<juce::String>;
 
 struct DialRig
 {
@@ -29,70 +28,37 @@ struct DialRig
             ((juce::Timer&) dial).timerCallback(); // a private base, which only this form of cast reaches
     }
 
-    void show (double point, double span)
-    {
-        rig.processor.mainWheel.point = point;
-        rig.processor.mainWheel.span = span;
-        tick();
-    }
-
-    /** Where the ring's index mark is, from the centre. */
-    juce::Point<float> mark()
-    {
-        const auto area = dial.getLocalBounds();
-        return centreOf (pictureOf (dial), area, isOrange) - area.toFloat().getCentre();
-    }
-
     ProcessorRig rig;
     FollowDial dial;
 };
 
-// The wheel's value instead of its moving point, semitones from one end instead of the centre, a trimmed number.
+// The wheel's value instead of its moving point, semitones from one end instead of the centre, a trimmed number, the other
+// wheel; before the first preparation the record has no span and a meaningless point.
 TEST (FollowDial, ShowsTheShiftAndTurnsWithIt)
 {
-    struct Case
-    {
-        double point, span;
-        const char* text;
-        float angle;
-    };
-    constexpr Case cases[] = { { 0.5, 24.0, "0.00", 0.0f },       { 0.5, 2.0, "0.00", 0.0f },
-                               { 1.0, 48.0, "24.00", 0.8f * pi }, { 0.0, 2.0, "-1.00", -0.8f * pi },
-                               { 0.75, 6.0, "1.50", 0.4f * pi },  { 0.21, 12.0, "-3.48", -0.464f * pi } };
+    for (const auto wheelIndex : { 0, 1 })
+        for (const auto& [point, span, text, angle] : { std::tuple { 0.5, 24.0, "0.00", 0.0f },
+                                                        { 1.0, 48.0, "24.00", 0.8f * pi },
+                                                        { 0.0, 2.0, "-1.00", -0.8f * pi },
+                                                        { 0.21, 12.0, "-3.48", -0.464f * pi },
+                                                        { 0.9, 0.0, "0.00", 0.0f } })
+        {
+            DialRig rig (wheelIndex);
+            auto& wheel = wheelIndex == 0 ? rig.rig.processor.mainWheel : rig.rig.processor.timbWheel;
+            wheel.point = point;
+            wheel.span = span;
+            rig.tick();
+            EXPECT_EQ (wordsOf (rig.dial), std::vector<juce::String> { text });
 
-    for (const auto& [point, span, text, angle] : cases)
-    {
-        DialRig rig;
-        rig.show (point, span);
-        EXPECT_EQ (wordsOf (rig.dial), Words { text });
-        EXPECT_NEAR (polarFrom ({}, rig.mark()).angle, angle, 0.01f) << text;
-    }
-}
-
-// Before the first preparation the record has no span and a meaningless point.
-TEST (FollowDial, RestsAtTheCentreUntilTheWheelHasASpan)
-{
-    DialRig rig;
-    rig.tick();
-    EXPECT_EQ (wordsOf (rig.dial), Words { "0.00" });
-    EXPECT_NEAR (polarFrom ({}, rig.mark()).angle, 0.0f, 0.01f);
-}
-
-TEST (FollowDial, FollowsTheWheelItWasGiven)
-{
-    DialRig timbre (1);
-    timbre.rig.processor.timbWheel.span = 24.0;
-    timbre.rig.processor.timbWheel.point = 0.25;
-    timbre.show (1.0, 48.0);
-    EXPECT_EQ (wordsOf (timbre.dial), Words { "-6.00" });
+            const auto mark = centreOf (pictureOf (rig.dial), rig.dial.getLocalBounds(), isOrange); // the ring's index
+            EXPECT_NEAR (juce::Point<float> (111.0f, 111.0f).getAngleToPoint (mark), angle, 0.01f) << text;
+        }
 }
 
 TEST (FollowDial, WritesInTheDisplayFaceInTheMiddle)
 {
     DialRig rig (0, 300, 240);
-    rig.show (1.0, 12.0);
     const auto number = textsOf (rig.dial).at (0);
-
     EXPECT_EQ (number.typeface, "Sci Fied 2002");
     EXPECT_NEAR (number.height, 40.0f, 0.01f);
     EXPECT_NEAR ((number.left + number.right) / 2.0f, 150.0f, 1.0f);
@@ -100,44 +66,38 @@ TEST (FollowDial, WritesInTheDisplayFaceInTheMiddle)
     EXPECT_EQ (number.colour, juce::Colour (0xfff5f5f5).withAlpha (0.4f));
 }
 
-class InfoLine : public testing::TestWithParam<std::pair<juce::AudioProcessor::WrapperType, const char*>>
+// A line that comes back, flashes at once, or names another format. The blank that stands for a missing name cannot be seen.
+TEST (InfoLine, ShowsFromTenSecondsForSixAndFades)
 {
-protected:
-    InfoLine() { juce::AudioProcessor::setTypeOfNextNewPlugin (GetParam().first); }
-    ~InfoLine() override { juce::AudioProcessor::setTypeOfNextNewPlugin (juce::AudioProcessor::wrapperType_Undefined); }
-};
+    using juce::AudioProcessor;
 
-// A line that comes back, flashes at once, or names another format.
-TEST_P (InfoLine, ShowsFromTenSecondsForSixAndFades)
-{
-    DialRig rig;
-    const auto lines = [&] { return textsOf (rig.dial).size(); };
-    const auto opacity = [&] { return textsOf (rig.dial).at (1).colour.getFloatAlpha(); };
+    for (const auto& [format, text] : { std::pair { AudioProcessor::wrapperType_VST3, "VST3 64 bit  v.5.0.2" },
+                                        std::pair { AudioProcessor::wrapperType_LV2, "64 bit  v.5.0.2" } })
+    {
+        AudioProcessor::setTypeOfNextNewPlugin (format);
+        DialRig rig;
+        AudioProcessor::setTypeOfNextNewPlugin (AudioProcessor::wrapperType_Undefined);
+        const auto opacity = [&]
+        {
+            const auto texts = textsOf (rig.dial);
+            return texts.size() == 2 ? texts[1].colour.getFloatAlpha() : 0.0f;
+        };
 
-    rig.tick (500);
-    EXPECT_EQ (lines(), 1u) << "10 s: the number alone";
-    rig.tick();
-    const auto line = textsOf (rig.dial).at (1);
-    EXPECT_EQ (line.text, GetParam().second);
-    EXPECT_NEAR (line.height, 222.0f * 0.0625f, 0.01f);
-    EXPECT_GT (line.baseline, 111.0f + line.height);
-    EXPECT_NEAR (opacity(), 0.6f, 0.005f);
+        rig.tick (500);
+        EXPECT_EQ (opacity(), 0.0f) << "10 s: the number alone";
+        rig.tick();
+        const auto line = textsOf (rig.dial).at (1);
+        EXPECT_EQ (line.text, text);
+        EXPECT_NEAR (line.height, 222.0f * 0.0625f, 0.01f);
+        EXPECT_GT (line.baseline, 111.0f + line.height);
 
-    rig.tick (269);
-    EXPECT_NEAR (opacity(), 0.6f, 0.005f) << "0.6 s before the end";
-    rig.tick (15);
-    EXPECT_NEAR (opacity(), 0.3f, 0.005f);
-    rig.tick (14);
-    EXPECT_EQ (lines(), 2u);
-    rig.tick();
-    EXPECT_EQ (lines(), 1u) << "16 s";
-    rig.tick (600);
-    EXPECT_EQ (lines(), 1u) << "only once";
+        for (const auto& [ticks, expected] :
+             { std::pair { 0, 0.6f }, { 269, 0.6f }, { 15, 0.3f }, { 15, 0.0f }, { 600, 0.0f } })
+        {
+            rig.tick (ticks);
+            EXPECT_NEAR (opacity(), expected, 0.005f) << ticks << " ticks later";
+        }
+    }
 }
-
-// The blank that stands for a missing format name cannot be seen.
-INSTANTIATE_TEST_SUITE_P (Formats, InfoLine,
-                          testing::Values (std::pair { juce::AudioProcessor::wrapperType_VST3, "VST3 64 bit  v.5.0.2" },
-                                           std::pair { juce::AudioProcessor::wrapperType_LV2, "64 bit  v.5.0.2" }));
 } // namespace
 } // namespace tarvelline::test

@@ -113,17 +113,7 @@ public:
     }
 
     /** What is on the screen where the editor is. */
-    juce::Image picture()
-    {
-        juce::Image image (juce::Image::ARGB, editor->getWidth(), editor->getHeight(), false);
-        const auto pixels = screen->capture ({ x, y, image.getWidth(), image.getHeight() });
-
-        for (auto i = 0; i < image.getWidth() * image.getHeight(); ++i)
-            image.setPixelAt (i % image.getWidth(), i / image.getWidth(),
-                              juce::Colour (pixels[static_cast<size_t> (i)]));
-
-        return image;
-    }
+    juce::Image picture() { return screen->capture (editor->getLocalBounds() + juce::Point (x, y)); }
 
     void moveMouse (juce::Point<int> to)
     {

@@ -31,10 +31,6 @@ public:
     void TearDown() override
     {
         framework.reset();
-
-        for (const auto& [error, count] : VirtualScreen::errors())
-            ADD_FAILURE() << "X error: " << error << ", " << count << " times";
-
         screen.reset();
     }
 
