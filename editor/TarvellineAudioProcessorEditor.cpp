@@ -4,6 +4,8 @@
 #include "BinaryData.h"
 #include "widgets/PuckRepaint.h"
 
+#include <algorithm>
+
 namespace tarvelline
 {
 namespace
@@ -18,6 +20,16 @@ constexpr juce::uint32 menuHighlightColour = 0xff364e65;
 constexpr juce::uint32 readOutColour = 0xc0101030;
 
 constexpr const char* rangeNames[] = { "2", "4", "6", "12", "24", "48" }; // semitones, as in wheelRangeTable
+
+/** Lets a slider that is attached to a parameter take no NaN, which a host may store there: one differs from itself, and the
+    slider would tell itself of the change for ever, on the message thread. */
+void refuseNaN (juce::Slider& slider)
+{
+    const auto held = [] (double start, double end, double value)
+    { return value > start ? std::min<double> (static_cast<float> (value), end) : start; }; // a NaN is not above
+
+    slider.setNormalisableRange ({ slider.getMinimum(), slider.getMaximum(), nullptr, nullptr, held });
+}
 } // namespace
 
 TarvellineAudioProcessorEditor::TarvellineAudioProcessorEditor (TarvellineAudioProcessor& owner)
@@ -186,6 +198,7 @@ void TarvellineAudioProcessorEditor::attachParameters()
     {
         slider.setValue (static_cast<double> (currentValue (state, id)), juce::sendNotificationSync);
         sliderAttachments.add (new juce::AudioProcessorValueTreeState::SliderAttachment (state, id, slider));
+        refuseNaN (slider);
     }
 
     for (auto& [button, id] : buttonBindingsOf (controls))

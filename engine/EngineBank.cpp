@@ -93,7 +93,7 @@ void EngineBank::destroyEngines() noexcept
         engine.reset();
 }
 
-void EngineBank::process (const BankRun& run, VoiceSlots& voices, const VoiceLevels& levels) noexcept
+void EngineBank::process (const BankRun& run, VoiceSlots& voices, const VoiceLevels& levels) noexcept TARVELLINE_REAL_TIME
 {
     assert (ready && run.count <= longestRun);
 

@@ -58,7 +58,7 @@ public:
         In voice mode every slot runs its engine while it is active and is added with its level (none while that is below
         zero); in transpose mode engine 0 alone runs, at full gain. Clears `started` of the voices it runs.
         @param levels  read in voice mode only */
-    void process (const BankRun&, VoiceSlots&, const VoiceLevels& levels) noexcept;
+    void process (const BankRun&, VoiceSlots&, const VoiceLevels& levels) noexcept TARVELLINE_REAL_TIME;
 
     /** One sample a channel: process() with the slots as they stand. */
     void processFrame (const FrameControls&, VoiceSlots&, const float* in, float* out, int channels) noexcept;

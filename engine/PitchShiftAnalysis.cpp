@@ -2,6 +2,8 @@
 // The analysis frame: what the input holds now, bin by bin, and how far each bin's phase has moved since the last frame.
 #include "engine/PitchShiftEngine.h"
 
+#include <cmath>
+
 namespace tarvelline
 {
 void PitchShiftEngine::analyseFrame() noexcept
@@ -15,6 +17,9 @@ void PitchShiftEngine::analyseFrame() noexcept
     kernels::measureBins (bins); // one lock count for all channels: they reset together and the stereo image holds
     spreadResetsOverPeaks();
     kernels::advancePhases (bins);
+
+    if (inputSpoilt && cleanRun == frameSize)
+        resumePhases();
 
     if (formantRatio != 1.0f)
         warpEnvelope();
@@ -32,10 +37,41 @@ void PitchShiftEngine::readWindowedInput() noexcept
         auto* frame = resources->low[static_cast<std::size_t> (c)].data();
 
         if (appliedRatio < 1.0f)
-            kernels::readStretched (input, ratioHistory.data() + oldest, resources->tables.wideWindow.data(), frame, length);
+            kernels::readStretched (input, ratioHistory.data() + oldest, resources->tables.wideWindow.data(), frame,
+                                    length);
         else
             kernels::readStraight (input, resources->tables.wideWindow.data(), frame, length);
     }
+}
+
+/** Takes note of how far each bin's output is turned against its input, as bad samples come in. */
+void PitchShiftEngine::keepPhaseOffsets() noexcept
+{
+    for (auto& channel : channelState)
+        for (std::size_t re = 0, im = lockCount.size(); re < lockCount.size(); ++re, ++im)
+        {
+            auto &synth = channel.synthPhasor, &last = channel.lastPhasor, &offset = channel.phaseOffset;
+            const auto x = synth[re] * last[re] + synth[im] * last[im], y = synth[im] * last[re] - synth[re] * last[im];
+            const auto length = std::sqrt (x * x + y * y);
+            const auto sounded = length > 0.5f; // of two phasors of length 1; in silence they are next to nothing
+            offset[re] = sounded ? x / length : 1.0f;
+            offset[im] = sounded ? y / length : 0.0f;
+        }
+}
+
+/** Turns each bin's output that far again against its input, now that this is clean. Otherwise what bad samples did to the
+    phases would last until the next onset: bins of one tone that drown each other, a channel that stays silent. */
+void PitchShiftEngine::resumePhases() noexcept
+{
+    inputSpoilt = false;
+
+    for (auto& channel : channelState)
+        for (std::size_t re = 0, im = lockCount.size(); re < lockCount.size(); ++re, ++im)
+        {
+            auto &synth = channel.synthPhasor, &last = channel.lastPhasor, &offset = channel.phaseOffset;
+            synth[re] = last[re] * offset[re] - last[im] * offset[im];
+            synth[im] = last[re] * offset[im] + last[im] * offset[re];
+        }
 }
 
 kernels::AnalysisBins PitchShiftEngine::analysisBins() noexcept
@@ -43,7 +79,8 @@ kernels::AnalysisBins PitchShiftEngine::analysisBins() noexcept
     const auto buffers = [this] (std::size_t c) -> kernels::AnalysisBins::Channel
     {
         auto& channel = channelState[c];
-        return { resources->low[c].data(), channel.magnitude.data(), channel.advance.data(), channel.lastPhasor.data() };
+        return { resources->low[c].data(), channel.magnitude.data(), channel.advance.data(),
+                 channel.lastPhasor.data() };
     };
 
     return { .channels = { buffers (0), buffers (1) },
@@ -63,15 +100,15 @@ void PitchShiftEngine::spreadResetsOverPeaks() noexcept
 
     for (int k = 2; static_cast<float> (k) < lowestBin;)
     {
-        const auto onsetOnPeak = locks[k] == 0.0f && sum[k - 1] < sum[k] && sum[k - 1] > sum[k - 2] && sum[k + 1] < sum[k]
-                                 && sum[k + 1] > sum[k + 2];
+        const auto onsetOnPeak = locks[k] == 0.0f && sum[k - 1] < sum[k] && sum[k - 1] > sum[k - 2]
+                                 && sum[k + 1] < sum[k] && sum[k + 1] > sum[k + 2];
         k = onsetOnPeak ? resetUpwards (k) : k + 1;
     }
 
     const auto nextPeak = [=, end = activeBins - 2] (int bin)
     {
-        return bin < end ? static_cast<int> (kernels::nextResetPeak (locks, sum, static_cast<std::size_t> (bin),
-                                                                     static_cast<std::size_t> (end)))
+        return bin < end ? static_cast<int> (
+                   kernels::nextResetPeak (locks, sum, static_cast<std::size_t> (bin), static_cast<std::size_t> (end)))
                          : end;
     };
 

@@ -2,8 +2,10 @@
 #include "engine/PitchShiftEngine.h"
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
-#include <cmath>
+#include <cstdint>
+#include <limits>
 #include <utility>
 
 namespace tarvelline
@@ -27,8 +29,15 @@ float heldToRange (float ratio) noexcept
 
 int scaledLength (int length, float factor) noexcept { return static_cast<int> (static_cast<float> (length) * factor); }
 
-/** What is no sample of any signal counts as silence: an infinity would stay in the running phasors for ever. */
-float signalOrSilence (float sample) noexcept { return std::abs (sample) <= loudestSample ? sample : 0.0f; }
+/** Whether a sample can be one of a signal: 0, or normal and not too loud. By its bits: the processor may be set to take
+    denormals for 0. */
+bool isOfSignal (float sample) noexcept
+{
+    constexpr auto quietest = std::bit_cast<std::uint32_t> (std::numeric_limits<float>::min()),
+                   loudest = std::bit_cast<std::uint32_t> (loudestSample);
+    const auto magnitude = std::bit_cast<std::uint32_t> (sample) & 0x7fffffffu;
+    return magnitude == 0 || (magnitude >= quietest && magnitude <= loudest);
+}
 } // namespace
 
 void PitchShiftEngine::prepare (int frameLength, float frequencyScale, float sampleRate)
@@ -61,7 +70,7 @@ void PitchShiftEngine::prepare (std::shared_ptr<EngineResources> shared)
         for (auto* perBin : { &channel.magnitude, &channel.shapedMagnitude })
             perBin->resize (k);
 
-        for (auto* spectrum : { &channel.advance, &channel.lastPhasor, &channel.synthPhasor })
+        for (auto* spectrum : { &channel.advance, &channel.lastPhasor, &channel.synthPhasor, &channel.phaseOffset })
             spectrum->resize (n);
     }
 
@@ -97,6 +106,8 @@ void PitchShiftEngine::reset() noexcept
             clear (*buffer); // synthPhasor stays: with every bin unlocked the next frame overwrites it
 
     analysisCounter = synthesisCounter = 0;
+    cleanRun = frameSize;
+    inputSpoilt = false;
 }
 
 void PitchShiftEngine::setRatios (float pitchRatio, float newFormantRatio) noexcept
@@ -112,7 +123,7 @@ void PitchShiftEngine::processFrame (const float* in, float* out, int channels) 
     process ({ &requestedRatio, &formantRatio, inputs, outputs, channels, 1 });
 }
 
-void PitchShiftEngine::process (const EngineRun& run) noexcept
+void PitchShiftEngine::process (const EngineRun& run) noexcept TARVELLINE_REAL_TIME
 {
     assert (ready && run.channels >= 1 && run.channels <= maxChannels);
     channelCount = run.channels;
@@ -145,6 +156,7 @@ void PitchShiftEngine::exchangeSamples (const EngineRun& run, int first, int cou
     }
 
     unityRun = std::min (unityRun, frameSize);
+    auto lastBad = -1;
 
     for (int c = 0; c < channelCount; ++c)
     {
@@ -153,10 +165,20 @@ void PitchShiftEngine::exchangeSamples (const EngineRun& run, int first, int cou
         auto* ring = channel.inRing.data() + inPos;
 
         for (int i = 0; i < count; ++i)
-            ring[i] = ring[i + frameSize] = signalOrSilence (in[i]);
+        {
+            // An infinity would stay in the running phasors for ever.
+            const auto usable = isOfSignal (in[i]);
+            ring[i] = ring[i + frameSize] = usable ? in[i] : 0.0f;
+            lastBad = usable ? lastBad : std::max (lastBad, i);
+        }
 
         std::copy_n (channel.outRing.data() + ((outPos - frameSize) & outRingMask), count, run.out[c] + first);
     }
+
+    if (lastBad >= 0 && ! std::exchange (inputSpoilt, true))
+        keepPhaseOffsets();
+
+    cleanRun = std::min ((lastBad >= 0 ? 0 : cleanRun) + count - 1 - lastBad, frameSize);
 }
 
 /** Moves the cursors on, and makes the frames that are due. */

@@ -4,6 +4,7 @@
 #include "engine/AlignedVector.h"
 #include "engine/AnalysisKernels.h"
 #include "engine/EngineResources.h"
+#include "engine/RealTime.h"
 
 #include <array>
 #include <memory>
@@ -35,7 +36,8 @@ struct EngineRun
     Real time: processing never allocates, locks or throws. A sample costs O(channels), and once a hop there are one
             forward or two inverse transforms a channel; all memory comes from prepare().
     Errors: none reported. Ratios are clamped; processing unprepared is a caller's fault (asserted). A sample
-            that is not finite, or beyond +-1e4, counts as 0.
+            that is not finite, subnormal or beyond +-1e4 counts as 0; once the input is clean again the phases go on
+            from where they were before.
 
     Sources: Flanagan and Golden, "Phase vocoder", Bell Syst. Tech. J. 45(9), 1966: magnitude and phase advance a bin.
             Laroche and Dolson, "Improved phase vocoder time-scale modification of audio", IEEE Trans. Speech Audio
@@ -68,7 +70,7 @@ public:
 
     /** A run of samples in, as many out, N samples later: the same to the bit as setRatios() and processFrame() for each
         of them, and much cheaper. */
-    void process (const EngineRun&) noexcept;
+    void process (const EngineRun&) noexcept TARVELLINE_REAL_TIME;
 
     /** One sample a channel in, one out, at the ratios set. `channels` is 1 or 2. */
     void processFrame (const float* in, float* out, int channels) noexcept;
@@ -81,6 +83,7 @@ private:
         AlignedVector<float> magnitude;           // K: of the last analysis frame
         AlignedVector<float> shapedMagnitude;     // K: with the envelope warped
         AlignedVector<float> advance, lastPhasor, synthPhasor; // N: unit phasors, pair layout
+        AlignedVector<float> phaseOffset; // N, the same: synthPhasor against lastPhasor, before bad samples came in
     };
 
     // Samples in and out (PitchShiftEngine.cpp)
@@ -98,6 +101,8 @@ private:
     void analyseFrame() noexcept;
     void readWindowedInput() noexcept;
     void spreadResetsOverPeaks() noexcept;
+    void keepPhaseOffsets() noexcept;
+    void resumePhases() noexcept;
     int resetUpwards (int bin) noexcept;
     void resetDownwards (int bin, float lowestBin) noexcept;
     void warpEnvelope() noexcept;
@@ -133,6 +138,8 @@ private:
 
     AlignedVector<float> ratioHistory; // 2 N, as inRing: the ratio asked for at every input position
     int unityRun = 0;                  // samples, at most N, for which that ratio has been exactly 1
+    int cleanRun = 0;                  // samples, at most N, since the last that was of no signal
+    bool inputSpoilt = false;          // by that one: still in the input, or the phases not yet resumed after it
     AlignedVector<float> lockCount;    // K: frames for which a bin has stayed stable; 0 = phase reset
     AlignedVector<float> magnitudeSum; // K: over channels, in the last analysis frame
 

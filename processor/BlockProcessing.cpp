@@ -41,7 +41,7 @@ struct TarvellineAudioProcessor::Run
     std::array<std::array<float, longestRun>, maxChannels> wet {};      // what the engines gave
 };
 
-void TarvellineAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi)
+void TarvellineAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi) TARVELLINE_REAL_TIME
 {
     const juce::ScopedNoDenormals flushDenormals;
 
@@ -151,7 +151,7 @@ void TarvellineAudioProcessor::mixRun (Run& run, float mix) noexcept
     }
 }
 
-void TarvellineAudioProcessor::processBlockBypassed (juce::AudioBuffer<float>& buffer, juce::MidiBuffer&)
+void TarvellineAudioProcessor::processBlockBypassed (juce::AudioBuffer<float>& buffer, juce::MidiBuffer&) TARVELLINE_REAL_TIME
 {
     for (int c = 0; c < std::min (buffer.getNumChannels(), maxChannels); ++c)
         engine.delayDry (c, buffer.getWritePointer (c), buffer.getNumSamples());

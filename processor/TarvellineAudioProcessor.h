@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/EngineBank.h"
+#include "engine/RealTime.h"
 #include "processor/MidiVoices.h"
 #include "processor/Parameters.h"
 #include "processor/RelaxedAtomic.h"
@@ -37,10 +38,10 @@ public:
 
     /** One or two channels in place. Each sample takes at most one MIDI event; events past the last sample's, but one, are
         dropped. The MIDI buffer comes back empty. */
-    void processBlock (juce::AudioBuffer<float>&, juce::MidiBuffer&) override;
+    void processBlock (juce::AudioBuffer<float>&, juce::MidiBuffer&) TARVELLINE_REAL_TIME override;
 
     /** The input, late by the latency. Wheels, voices and engines stand still; MIDI is ignored. */
-    void processBlockBypassed (juce::AudioBuffer<float>&, juce::MidiBuffer&) override;
+    void processBlockBypassed (juce::AudioBuffer<float>&, juce::MidiBuffer&) TARVELLINE_REAL_TIME override;
 
     double getTailLengthSeconds() const override { return 0.0; }
     bool acceptsMidi() const override { return true; }

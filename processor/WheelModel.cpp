@@ -22,6 +22,9 @@ constexpr double slewUnit = 0.0001;      // 0.0016 a sample without smoothing, 8
 constexpr double restDistance = 3.0e-5;
 constexpr double restVelocity = 1.0e-6;
 
+/** A NaN in a coefficient would stay in the point when the coefficient is right again. */
+double numberOrZero (double amount) noexcept { return std::isnan (amount) ? 0.0 : amount; }
+
 /** A wheel in motion, taken out of the record that other threads see. */
 struct Motion
 {
@@ -81,18 +84,21 @@ struct Motion
 
 void setGravity (WheelRecord& wheel, double amount) noexcept
 {
+    amount = numberOrZero (amount);
     wheel.gravityAmount = std::min (std::pow (amount, 5.0) + minimumGravity, 1.0);
     wheel.pull = std::min (wheel.gravityAmount * pullPerGravity * wheel.timeScale, 1.0);
 }
 
 void setInertia (WheelRecord& wheel, double amount) noexcept
 {
+    amount = numberOrZero (amount);
     wheel.inertiaAmount = amount;
     wheel.acceleration = (amount * accelerationPerInertia + minimumAcceleration) * wheel.timeScale;
 }
 
 void setSmooth (WheelRecord& wheel, double amount) noexcept
 {
+    amount = numberOrZero (amount);
     const auto openness = 1.0 - amount;
     const auto root = 2.0 - (1.0 - openness * openness * openness) * 1.7;
 

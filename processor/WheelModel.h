@@ -35,7 +35,7 @@ struct WheelRecord
     RelaxedAtomic<float> semitones { 0.0f }; // the shift after the last step
 };
 
-/** Gravity from its 0..1 setting. */
+/** Gravity from its 0..1 setting, of which as of the other two a NaN counts as 0. */
 void setGravity (WheelRecord&, double amount) noexcept;
 
 /** Inertia from its 0..1 setting. */

@@ -268,5 +268,22 @@ TEST (KeyboardStrip, IsRepaintedOncePerChange)
 
     EXPECT_EQ (repaints, 2);
 }
+// A host's NaN in a slider, which differs from itself and tells itself so for ever; or in a coefficient of a wheel, whose point
+// never comes back.
+TEST (Sliders, TakeNoNaN)
+{
+    EditorRig rig;
+
+    for (const auto& bound : boundSliders)
+    {
+        rig.parameter (bound.parameter).setValueNotifyingHost (std::nanf (""));
+        ASSERT_EQ (rig.control<juce::Slider> (bound.control).getValue(), 0.0) << bound.control;
+    }
+
+    rig.editor.reset();
+    rig.open(); // where the attachments begin with it
+    rig.play (silence (1000));
+    EXPECT_TRUE (std::isfinite (rig.processor.mainWheel.point + rig.processor.timbWheel.point));
+}
 } // namespace
 } // namespace tarvelline::test

@@ -33,6 +33,20 @@ TEST (Closing, TakesEveryLookFromItsControlsWhileItLives)
         EXPECT_TRUE (done) << id;
 }
 
+// A window on a processor that has no span, no engine and no rate yet, or a state that does not reach one that stands open.
+TEST (Opening, NeedsNoPreparedProcessorAndFollowsAState)
+{
+    ProcessorRig rig, saved;
+    saved.set (parameterId::mixerPar, 0.25f);
+    juce::MemoryBlock state;
+    saved.processor.getStateInformation (state);
+
+    const std::unique_ptr<juce::AudioProcessorEditor> editor (rig.processor.createEditor());
+    EXPECT_TRUE (editor->createComponentSnapshot (editor->getLocalBounds()).isValid());
+    rig.processor.setStateInformation (state.getData(), static_cast<int> (state.getSize()));
+    EXPECT_EQ (dynamic_cast<juce::Slider*> (editor->findChildWithID ("mixerSlider"))->getValue(), 0.25);
+}
+
 // A control that the Tab key never reaches, a display where it stops for nothing, or a walk to and fro; in the half window,
 // one that wanders off to controls that nobody sees.
 TEST (Accessibility, TabVisitsEveryVisibleControlOnceFromTopToBottom)

@@ -243,7 +243,10 @@ TEST (PitchShiftEngine, WhatIsNoSampleCountsAsSilence)
             }
 
             const auto expected = play (engineAt (ratio, formant), input);
-            EXPECT_TRUE (sameBits (play (engineAt (ratio, formant), broken), expected)) << ratio << ' ' << formant;
+            constexpr auto restart = static_cast<std::size_t> (20000 + 2 * frame); // the input holds them until later
+            EXPECT_TRUE (sameBits (Signal (play (engineAt (ratio, formant), broken)).first (restart),
+                                   Signal (expected).first (restart)))
+                << ratio << ' ' << formant;
 
             input[20000] = 1.0e4f;
             const auto loud = play (engineAt (ratio, formant), input);

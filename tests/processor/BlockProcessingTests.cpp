@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
+#include <map>
 
 namespace tarvelline::test
 {
@@ -78,42 +78,110 @@ TEST (ToggleSize, PutsTheTimbreWheelToRestWhenItGoesOff)
     }
 }
 
-// A value or a sample that is not a number must be gone when its cause is: from wheels, fades, phases and rings.
-TEST (BadInput, DoesNotStick)
+/** A processor at some setting: both channels play a tone in one block of two seconds, in which one of them may be bad. */
+struct PoisonRig : ProcessorRig
 {
-    constexpr auto nan = std::numeric_limits<float>::quiet_NaN(), infinity = std::numeric_limits<float>::infinity();
-    const auto expectUpThree = [] (const Samples& output)
-    { EXPECT_NEAR (centsBetween (440.0, frequencyHz (Signal (output).last (32768), 44100.0)), upThreeCents, 0.05); };
-
-    for (const auto bad : { nan, infinity, -infinity, 3.0e38f })
+    explicit PoisonRig (const std::map<const char*, float>& settings)
     {
-        ProcessorRig rig;
-        rig.set (toggleSize, 1.0f);
-        rig.set (mainWheelPar, 0.75f);
-        rig.prepare();
-        auto input = sine (440.0, 44100.0, 2.0, 0.5);
-        input[5000] = bad;
-        const auto output = rig.play (input);
-        ASSERT_TRUE (allFinite (Signal (output).subspan (50000))) << bad;
-        expectUpThree (output);
+        for (const auto& [id, value] : settings)
+            set (id, value);
+
+        prepare();
+        send ({ 0x90, 64, 100 });
     }
 
-    ProcessorRig rig;
-    rig.prepare();
-    rig.set (mainWheelPar, 0.75f);
-
-    for (auto* parameter : rig.processor.getParameters())
+    const juce::AudioBuffer<float>& playTone (int channel = 0, float bad = 0.0f, int badSamples = 0)
     {
-        const auto good = parameter->getValue();
-        parameter->setValueNotifyingHost (nan);
-        EXPECT_TRUE (allFinite (rig.play (whiteNoise (5000)))) << parameter->getName (100);
-        parameter->setValueNotifyingHost (good);
+        for (int c = 0; c < 2; ++c)
+            sound.copyFrom (c, 0, tone.data(), length);
+
+        juce::FloatVectorOperations::fill (sound.getWritePointer (channel, badStart), bad, badSamples);
+        processor.processBlock (sound, midi);
+        return sound;
     }
 
-    rig.play (silence (44100));
-    rig.set (mainRange, 3.0f);
-    rig.set (mainWheelPar, 0.75f);
-    expectUpThree (rig.play (sine (440.0, 44100.0, 2.0, 0.5)));
+    static constexpr int length = 88200, badStart = 20000;
+    const Samples tone = sine (440.0, 44100.0, 2.0, 0.5);
+    juce::AudioBuffer<float> sound { 2, length };
+};
+
+/** Every 100 ms from a sample on within 0.5 dB, all of it within a cent. */
+void expectAlike (const juce::AudioBuffer<float>& actual, const juce::AudioBuffer<float>& expected, int from)
+{
+    for (int c = 0; c < 2; ++c)
+    {
+        const auto end = [from, c] (const auto& sound)
+        { return Signal (sound.getReadPointer (c, from), static_cast<std::size_t> (sound.getNumSamples() - from)); };
+        ASSERT_TRUE (allFinite (end (actual)));
+        EXPECT_NEAR (centsBetween (frequencyHz (end (expected), 44100.0), frequencyHz (end (actual), 44100.0)), 0.0,
+                     1.0);
+
+        for (std::size_t i = 0; i + 4410 <= end (actual).size(); i += 4410) // measured: 0.4
+            EXPECT_NEAR (levelDb (end (actual).subspan (i, 4410)), levelDb (end (expected).subspan (i, 4410)), 0.5)
+                << i;
+    }
+}
+
+class Poison : public testing::TestWithParam<std::map<const char*, float>>
+{
+};
+
+INSTANTIATE_TEST_SUITE_P (Settings, Poison,
+                          testing::Values (std::map<const char*, float> { { mainWheelPar, 0.75f } },
+                                           std::map<const char*, float> { { mainWheelPar, 0.2f }, { mixerPar, 0.8f } },
+                                           std::map<const char*, float> { { mainWheelPar, 0.75f },
+                                                                          { toggleSize, 1.0f },
+                                                                          { timbWheelPar, 0.1f } },
+                                           std::map<const char*, float> { { midiOptions, 0.0f }, { toggleSize, 1.0f } },
+                                           std::map<const char*, float> { { mixerPar, 0.0f } }));
+
+// Samples that are none must be gone when they have left the rings: from phases, of which one channel's stay dead while the
+// other sounds on, from fades and magnitudes.
+TEST_P (Poison, LeavesTheSoundWithTheSamples)
+{
+    const auto expected = PoisonRig (GetParam()).playTone();
+
+    for (const auto bad : { std::nanf (""), HUGE_VALF, -HUGE_VALF, 1.0e38f, 1.0e-39f })
+        for (const auto& [channel, samples] : { std::pair { 0, 1 }, { 0, 5000 }, { 1, 1024 } })
+        {
+            SCOPED_TRACE (testing::Message() << bad << ", " << samples << " samples of channel " << channel);
+            PoisonRig rig (GetParam());
+            expectAlike (rig.playTone (channel, bad, samples), expected, rig.badStart + samples + 3 * 2048);
+        }
+}
+
+// A host's value that is no number or far outside must be gone when its cause is: from wheels, coefficients and fades.
+TEST_P (Poison, LeavesWheelsAndSoundWithTheValues)
+{
+    const auto pause = silence (132300); // the wheels swing for a while
+    PoisonRig clean (GetParam());
+    clean.playTone();
+    clean.play (pause);
+    const auto expected = clean.playTone();
+
+    for (const auto bad : { std::nanf (""), HUGE_VALF, -1.0e38f })
+    {
+        SCOPED_TRACE (bad);
+        PoisonRig rig (GetParam());
+        rig.playTone();
+        std::vector<float> good;
+
+        for (auto* parameter : rig.processor.getParameters())
+        {
+            good.push_back (clean.processor.getParameters()[parameter->getParameterIndex()]->getValue());
+            parameter->setValueNotifyingHost (bad);
+            EXPECT_TRUE (allFinite (rig.play (whiteNoise (2000)))) << parameter->getName (100);
+        }
+
+        for (auto* parameter : rig.processor.getParameters()) // the ranges first, which move the wheels
+            parameter->setValueNotifyingHost (good[static_cast<std::size_t> (parameter->getParameterIndex())]);
+
+        rig.play (pause);
+        expectAlike (rig.playTone(), expected, 3 * 2048);
+
+        for (const auto wheel : { &TarvellineAudioProcessor::mainWheel, &TarvellineAudioProcessor::timbWheel })
+            EXPECT_NEAR ((rig.processor.*wheel).point, (clean.processor.*wheel).point, 1.0e-6);
+    }
 }
 
 // Silence after sound that gets slow, and a floating-point mode that is left behind in the host's thread.

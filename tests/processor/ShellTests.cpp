@@ -4,7 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
+#include <memory>
+
+#include <malloc.h>
 
 namespace tarvelline::test
 {
@@ -87,6 +91,72 @@ TEST (Shell, SurvivesAbsurdRates)
         const auto output = rig.play (sine (440.0, 44100.0, 1.0, 0.5));
         EXPECT_NEAR (centsBetween (440.0, frequencyHz (Signal (output).last (32768), 44100.0)), upThreeCents, 0.05);
     }
+}
+// A buffer, a table or a fade that a former rate leaves behind; a latency told again, or not.
+TEST (Shell, IsAsNewAfterAnyOrderOfRates)
+{
+    ProcessorRig rig;
+    HostEar host (rig.processor);
+    const auto noise = whiteNoise (20000);
+
+    for (const auto rate :
+         { 8000.0, 384000.0, 384000.0, 11025.0, 96000.0, 88200.0, 192000.0, 176400.0, 16000.0, 44100.0 })
+    {
+        rig.processor.prepareToPlay (rate, 64);
+        EXPECT_TRUE (allFinite (rig.play (noise, 777))) << rate;
+    }
+
+    EXPECT_EQ (host.latencyChanges, 6); // 2048, 8192, 2048, 4096, 8192, 2048
+    rig.processor.prepareToPlay (44100.0, 64);
+    rig.set (mainWheelPar, 0.75f);
+    ProcessorRig fresh;
+    fresh.prepare();
+    fresh.set (mainWheelPar, 0.75f);
+    EXPECT_TRUE (sameBits (rig.play (noise), fresh.play (noise)));
+}
+
+// A dry path that slips when a host bypasses every other block and changes their size each time.
+TEST (Shell, KeepsTheLatencyThroughBypassAndBlocksOfAnySize)
+{
+    ProcessorRig rig;
+    rig.set (mixerPar, 0.0f);
+    rig.prepare();
+    Samples input = whiteNoise (20000), output;
+
+    for (std::size_t start = 0, size = 0; start < input.size(); start += size, size = (7 * size + 13) % 1500)
+    {
+        const auto end = std::min (start + size, input.size());
+        const auto block =
+            rig.play ({ input.begin() + static_cast<long> (start), input.begin() + static_cast<long> (end) }, 2000,
+                      size % 2 == 0);
+        output.insert (output.end(), block.begin(), block.end());
+    }
+
+    EXPECT_TRUE (sameBits (Signal (output).subspan (2048), Signal (input).first (input.size() - 2048)));
+}
+
+// Memory that is not given back: an engine, a listener, a table a life. 1,000 lives, eight at a time.
+TEST (Shell, LivesLeaveNoMemory)
+{
+    const auto live = []
+    {
+        std::array<std::unique_ptr<ProcessorRig>, 8> rigs;
+
+        for (auto& rig : rigs)
+        {
+            rig = std::make_unique<ProcessorRig>();
+            rig->prepare();
+            rig->playBlock (64);
+        }
+    };
+
+    live(); // what the framework makes once
+    const auto before = mallinfo2().uordblks;
+
+    for (int i = 0; i < 125; ++i)
+        live();
+
+    EXPECT_LT (mallinfo2().uordblks, before + 65536); // measured: 0; one rig has 2 MB
 }
 } // namespace
 } // namespace tarvelline::test

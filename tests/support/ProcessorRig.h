@@ -97,9 +97,13 @@ struct HostEar : juce::AudioProcessorListener
     {
         changedParameters.push_back (index);
     }
-    void audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails&) override {}
+    void audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails& details) override
+    {
+        latencyChanges += details.latencyChanged ? 1 : 0;
+    }
 
     juce::AudioProcessor& processor;
     std::vector<int> changedParameters;
+    int latencyChanges = 0;
 };
 } // namespace tarvelline::test

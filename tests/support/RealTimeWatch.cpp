@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/RealTimeWatch.h"
 
+#include <cerrno>
+#include <csignal>
 #include <cstdlib>
 
 #include <dlfcn.h>
 #include <pthread.h>
 #include <semaphore.h>
+#include <sys/prctl.h>
+#include <ucontext.h>
+#include <unistd.h>
 
 namespace tarvelline::test
 {
@@ -19,14 +24,56 @@ thread_local RealTimeReport report;
     if (armed)
         ++(report.*count);
 }
+
+#if TARVELLINE_REAL_TIME_WATCH && defined(__x86_64__) && defined(PR_SET_SYSCALL_USER_DISPATCH)
+thread_local volatile char gate =
+    SYSCALL_DISPATCH_FILTER_ALLOW; // read by the kernel at each of the thread's system calls
+
+/** Counts the first system call, lets all further ones pass, and makes this one in the place of the thread. */
+void onSystemCall (int, siginfo_t*, void* context)
+{
+    gate = SYSCALL_DISPATCH_FILTER_ALLOW;
+    ++report.systemCalls;
+    auto& registers = static_cast<ucontext_t*> (context)->uc_mcontext.gregs;
+    const auto result = syscall (registers[REG_RAX], registers[REG_RDI], registers[REG_RSI], registers[REG_RDX],
+                                 registers[REG_R10], registers[REG_R8], registers[REG_R9]);
+    registers[REG_RAX] = result == -1 ? -errno : result;
+}
+
+bool watchSystemCalls (bool on)
+{
+    struct sigaction action
+    {
+    };
+    action.sa_sigaction = onSystemCall;
+    action.sa_flags = SA_SIGINFO;
+    sigaction (SIGSYS, &action, nullptr);
+    return prctl (PR_SET_SYSCALL_USER_DISPATCH, on ? PR_SYS_DISPATCH_ON : PR_SYS_DISPATCH_OFF, 0, 0,
+                  on ? &gate : nullptr)
+           == 0;
+}
+
+void closeGate() { gate = SYSCALL_DISPATCH_FILTER_BLOCK; }
+void openGate() { gate = SYSCALL_DISPATCH_FILTER_ALLOW; }
+#else
+bool watchSystemCalls (bool) { return false; }
+void closeGate() {}
+void openGate() {}
+#endif
 } // namespace
+
+bool seesSystemCalls() { return watchSystemCalls (true) && watchSystemCalls (false); }
 
 RealTimeReport watchRealTime (const std::function<void()>& call)
 {
+    watchSystemCalls (true);
     report = {};
     armed = true;
+    closeGate();
     call();
+    openGate();
     armed = false;
+    watchSystemCalls (false);
     return report;
 }
 } // namespace tarvelline::test
