@@ -29,15 +29,12 @@ float heldToRange (float ratio) noexcept
 
 int scaledLength (int length, float factor) noexcept { return static_cast<int> (static_cast<float> (length) * factor); }
 
-/** Whether a sample can be one of a signal: 0, or normal and not too loud. By its bits: the processor may be set to take
-    denormals for 0. */
-bool isOfSignal (float sample) noexcept
-{
-    constexpr auto quietest = std::bit_cast<std::uint32_t> (std::numeric_limits<float>::min()),
-                   loudest = std::bit_cast<std::uint32_t> (loudestSample);
-    const auto magnitude = std::bit_cast<std::uint32_t> (sample) & 0x7fffffffu;
-    return magnitude == 0 || (magnitude >= quietest && magnitude <= loudest);
-}
+constexpr auto quietestBits = std::bit_cast<std::uint32_t> (std::numeric_limits<float>::min()); // of normal numbers
+constexpr auto loudestBits = std::bit_cast<std::uint32_t> (loudestSample);
+
+/** The bits of a sample's magnitude, which are in the order of the magnitudes: denormals below quietestBits, infinities and
+    NaNs above loudestBits. They tell denormals apart even where the processor is set to take these for 0. */
+std::uint32_t magnitudeBits (float sample) noexcept { return std::bit_cast<std::uint32_t> (sample) & 0x7fffffffu; }
 } // namespace
 
 void PitchShiftEngine::prepare (int frameLength, float frequencyScale, float sampleRate)
@@ -166,10 +163,10 @@ void PitchShiftEngine::exchangeSamples (const EngineRun& run, int first, int cou
 
         for (int i = 0; i < count; ++i)
         {
-            // An infinity would stay in the running phasors for ever.
-            const auto usable = isOfSignal (in[i]);
-            ring[i] = ring[i + frameSize] = usable ? in[i] : 0.0f;
-            lastBad = usable ? lastBad : std::max (lastBad, i);
+            // An infinity would stay in the running phasors for ever, and denormals make arithmetic slow.
+            const auto magnitude = magnitudeBits (in[i]);
+            ring[i] = ring[i + frameSize] = magnitude >= quietestBits && magnitude <= loudestBits ? in[i] : 0.0f;
+            lastBad = magnitude > loudestBits ? std::max (lastBad, i) : lastBad;
         }
 
         std::copy_n (channel.outRing.data() + ((outPos - frameSize) & outRingMask), count, run.out[c] + first);

@@ -36,7 +36,7 @@ struct EngineRun
     Real time: processing never allocates, locks or throws. A sample costs O(channels), and once a hop there are one
             forward or two inverse transforms a channel; all memory comes from prepare().
     Errors: none reported. Ratios are clamped; processing unprepared is a caller's fault (asserted). A sample
-            that is not finite, subnormal or beyond +-1e4 counts as 0; once the input is clean again the phases go on
+            that is subnormal, not finite or beyond +-1e4 counts as 0; once the last two are over the phases go on
             from where they were before.
 
     Sources: Flanagan and Golden, "Phase vocoder", Bell Syst. Tech. J. 45(9), 1966: magnitude and phase advance a bin.

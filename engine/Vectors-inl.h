@@ -32,6 +32,9 @@ struct Complex
     V re, im;
 };
 
+template <class V>
+Complex (V, V) -> Complex<V>; // for compilers that do not find it by themselves
+
 template <class D, class V = hn::Vec<D>>
 HWY_INLINE Complex<V> load (D d, SplitComplex from, std::size_t at)
 {

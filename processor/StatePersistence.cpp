@@ -4,6 +4,7 @@
 #include "processor/TarvellineAudioProcessor.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <string_view>
@@ -36,25 +37,42 @@ void writeEnvelope (const juce::XmlElement& xml, juce::MemoryBlock& destination)
     destination.copyFrom (&length, static_cast<int> (lengthOffset), sizeof (length));
 }
 
-/** The framework's parser takes a text that ends between two attributes for a whole element: a block cut off there would
-    be restored in part. */
-bool isCutOff (const void* data, int sizeInBytes)
+/** The text in the envelope, up to a zero byte; none if the block is too short for one. */
+std::string_view textOf (const void* data, int sizeInBytes)
 {
+    if (sizeInBytes < static_cast<int> (envelopeSize))
+        return {};
+
     const auto* bytes = static_cast<const char*> (data);
     const auto storedLength = static_cast<size_t> (juce::ByteOrder::littleEndianInt (bytes + lengthOffset));
-    const auto length = std::min (storedLength, static_cast<size_t> (sizeInBytes) - textOffset);
-    const auto block = std::string_view (bytes + textOffset, length);
-    const auto text = block.substr (0, block.find ('\0'));
-    const auto last = text.find_last_not_of (" \t\r\n");
-
-    return last == text.npos || text[last] != '>';
+    const auto block =
+        std::string_view (bytes + textOffset, std::min (storedLength, static_cast<size_t> (sizeInBytes) - textOffset));
+    return block.substr (0, block.find ('\0'));
 }
 
-/** The attribute as a number; 0 if it is none, which "nan" and "inf" are not either. */
+/** Whether the framework's parser may see the text. It takes one that ends between two attributes for a whole element (a
+    block cut off there would be restored in part), reads past the end of what is not UTF-8, runs out of stack over many
+    elements inside each other, and follows the entities of a document type. */
+bool isFitForParser (std::string_view text)
+{
+    constexpr int mostTags = 100; // a state is one; this many can be nested on any stack
+    const auto last = text.find_last_not_of (" \t\r\n");
+
+    return last != text.npos && text[last] == '>' && text.find ("<!DOCTYPE") == text.npos
+           && std::count (text.begin(), text.end(), '<') <= mostTags
+           && juce::CharPointer_UTF8::isValidString (text.data(), static_cast<int> (text.size()));
+}
+
+/** What the attribute's text begins with as a number; 0 if that is none, which "nan" and "inf" are not either. */
 float readValue (const juce::XmlElement& xml, juce::StringRef attribute)
 {
     constexpr double largest = std::numeric_limits<float>::max();
-    const auto value = xml.getDoubleAttribute (attribute);
+    const auto text = xml.getStringAttribute (attribute).trimStart().toStdString();
+    const auto* start = text.data() + (text.starts_with ('+') ? 1 : 0);
+    double value = 0.0;
+
+    // The framework's own reading overflows in a long exponent.
+    std::from_chars (start, text.data() + text.size(), value);
     return std::isfinite (value) ? static_cast<float> (std::clamp (value, -largest, largest)) : 0.0f;
 }
 } // namespace
@@ -73,9 +91,12 @@ void TarvellineAudioProcessor::getStateInformation (juce::MemoryBlock& destData)
 
 void TarvellineAudioProcessor::setStateInformation (const void* data, int sizeInBytes)
 {
+    if (! isFitForParser (textOf (data, sizeInBytes)))
+        return;
+
     const auto xml = getXmlFromBinary (data, sizeInBytes);
 
-    if (xml == nullptr || xml->getTagName() != stateTag || isCutOff (data, sizeInBytes))
+    if (xml == nullptr || xml->getTagName() != stateTag)
         return;
 
     uiHeight = xml->getIntAttribute (heightAttribute);

@@ -109,7 +109,15 @@ TEST (State, RefusesWhatIsNotItsOwn)
                                       envelope ("<TarvellineVersion uiHeight=\"1\" mixerPar=\"0\"/>"),
                                       envelope ("<TARVELLINEVERSIONS uiHeight=\"1\" mixerPar=\"0\"/>"),
                                       envelope ("<OTHER><TARVELLINEVERSION mixerPar=\"0\"/></OTHER>"),
-                                      envelope ("<TARVELLINEVERSION mixerPar=\"0\" uiHeight=") };
+                                      envelope ("<TARVELLINEVERSION mixerPar=\"0\" uiHeight="),
+                                      envelope ("<TARVELLINEVERSION mixerPar=\"&0\"; x=\"\xd7\xcf\"/>") };
+
+    std::string nested; // deeper than a parser that calls itself can go
+
+    for (int depth = 0; depth < 200000; ++depth)
+        nested += "<TARVELLINEVERSION mixerPar=\"0\">";
+
+    blocks.push_back (envelope (nested));
 
     for (std::size_t length = 0; length + 1 < whole.size(); ++length) // cut before the last bracket or earlier
         blocks.push_back (whole.substr (0, length));

@@ -24,6 +24,7 @@ const Mistake mistakes[] = {
     { "notes.csv out.wav", "notes.csv", "WAV, AIFF or FLAC" },
     { "five.wav out.wav", "five.wav", "mono or stereo" },
     { "cut.wav out.wav", "cut.wav", "cut off" },
+    { "claim.wav out.wav", "claim.wav", "cut off" }, // its header says 4 GiB
     { "in.wav in.wav", "in.wav", "another file" },
     { "in.wav link.wav", "in.wav", "another file" },
     { "in.wav gone/out.wav", "gone", "there is no folder" },
@@ -61,6 +62,7 @@ protected:
         write ("cut.wav", { 44100.0, { noise } });
         juce::FileOutputStream cut (file ("cut.wav"));
         EXPECT_TRUE (cut.setPosition (3000) && cut.truncate().wasOk());
+        seeds.getChildFile ("claims4gib.wav").copyFileTo (file ("claim.wav"));
         file ("in.wav").createSymbolicLink (file ("link.wav"), true);
         file ("notes.csv").replaceWithText ("# a move\n0.5,mixerPar,1\n0.5;mixerPar;0\n");
         file ("out.wav").replaceWithText ("old");
@@ -79,6 +81,7 @@ protected:
         EXPECT_EQ (file ("out.wav").loadFileAsString(), "old");
     }
 
+    const juce::File seeds { TARVELLINE_READER_SEEDS };
     juce::StringArray filesBefore;
 };
 
@@ -96,6 +99,23 @@ TEST_F (RenderErrorTest, MistakesAreNamedAndNothingIsTouched)
     }
 
     EXPECT_EQ (file ("in.wav").loadFileAsString(), inputBefore);
+}
+
+// A reader that takes what it was given so far for the whole.
+TEST_F (RenderErrorTest, MidiCutAnywhereIsRefused)
+{
+    juce::MemoryBlock whole;
+    ASSERT_TRUE (seeds.getChildFile ("gesture.mid").loadFileAsData (whole));
+
+    for (std::size_t length = 1; length < whole.getSize(); ++length)
+    {
+        file ("cut.mid").replaceWithData (whole.getData(), length);
+        const auto outcome = run ("in.wav out.wav --midi cut.mid");
+        EXPECT_EQ (outcome.exitCode, 2) << length;
+        EXPECT_TRUE (outcome.text.contains ("not a standard MIDI file")) << outcome.text;
+    }
+
+    file ("cut.mid").deleteFile();
 }
 
 // A limit on the size of files stands for the full disk. A limit met at the last buffer only is seen by none of the writes

@@ -13,6 +13,7 @@ namespace
 {
 constexpr auto form = "seconds,parameterId,value";
 constexpr auto lineMark = "line";
+constexpr int longestQuote = 80; // characters of a line that a message repeats
 
 TimedSetting parseLine (const juce::String& place, const juce::String& line)
 {
@@ -22,7 +23,8 @@ TimedSetting parseLine (const juce::String& place, const juce::String& line)
     const bool onLine = fields.size() == 4 && fields[3] == lineMark;
 
     if (fields.size() != 3 && ! onLine)
-        throw UserError (place + ": \"" + line + "\" is not of the form " + form + " or " + form + "," + lineMark);
+        throw UserError (place + ": \"" + line.substring (0, longestQuote) + "\" is not of the form " + form + " or "
+                         + form + "," + lineMark);
 
     const auto seconds = parseNumber (fields[0]);
 

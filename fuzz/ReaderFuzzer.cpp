@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A file of any content, handed to each of tarvelline-render's readers: it is read, or refused with a message.
+#include "fuzz/Require.h"
+#include "tools/render/Errors.h"
+#include "tools/render/Recording.h"
+#include "tools/render/Timeline.h"
+
+#include <cmath>
+
+namespace tarvelline::fuzz
+{
+namespace
+{
+using namespace render;
+
+constexpr int longestBlock = 65536;  // samples
+constexpr int longestPlay = 1 << 20; // samples of a timeline that are walked through
+
+template <typename Read>
+void tryReader (Read read)
+{
+    try
+    {
+        read();
+    }
+    catch (const UserError& error)
+    {
+        require (std::string_view (error.what()).size() > 10, "an error is explained");
+    }
+}
+
+void playEvents (const std::vector<TimedSetting>& changes, const std::vector<TimedMessage>& messages)
+{
+    for (const auto& message : messages)
+        require (message.seconds >= 0.0, "an event has a time");
+
+    Timeline timeline (changes, messages, 48000.0);
+
+    for (std::int64_t position = 0; position < longestPlay;)
+    {
+        const auto block = timeline.blockAt (position, longestBlock);
+        require (block.length > 0 && block.length <= longestBlock && block.midi.getNumEvents() <= 1, "time goes on");
+        position += block.length;
+    }
+}
+
+void readSome (const juce::File& file)
+{
+    const auto reader = openRecording (file);
+    juce::AudioBuffer<float> buffer (static_cast<int> (reader->numChannels), 512);
+
+    for (const auto start : { std::int64_t { 0 }, std::int64_t { reader->lengthInSamples - 256 } })
+        require (reader->read (&buffer, 0, buffer.getNumSamples(), start, true, true), "what was opened can be read");
+}
+} // namespace
+} // namespace tarvelline::fuzz
+
+int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t size)
+{
+    using namespace tarvelline::fuzz;
+    static const juce::TemporaryFile place (".bin");
+    const auto& file = place.getFile();
+
+    if (size == 0 ? ! file.replaceWithText ({}) : ! file.replaceWithData (data, size))
+        return 0;
+
+    tryReader ([&] { playEvents ({}, readMidi (file)); });
+    tryReader ([&] { playEvents (readAutomation (file), {}); });
+    tryReader ([&] { readSome (file); });
+    return 0;
+}
