@@ -156,7 +156,7 @@ TEST (Shell, LivesLeaveNoMemory)
     for (int i = 0; i < 125; ++i)
         live();
 
-    EXPECT_LT (mallinfo2().uordblks, before + 65536); // measured: 0; one rig has 2 MB
+    EXPECT_LT (mallinfo2().uordblks, before + 65536); // bytes
 }
 } // namespace
 } // namespace tarvelline::test
