@@ -41,7 +41,8 @@ std::vector<render::Tick> costTicks (double highest, double& end)
     end = std::ceil (highest / step) * step;
 
     for (int i = 0; i * step <= end * 1.0001; ++i)
-        ticks.push_back ({ i * step / end, juce::String (i * step, 3).trimCharactersAtEnd ("0").trimCharactersAtEnd (".") });
+        ticks.push_back (
+            { i * step / end, juce::String (i * step, 3).trimCharactersAtEnd ("0").trimCharactersAtEnd (".") });
 
     return ticks;
 }
@@ -94,8 +95,8 @@ void saveChart (const std::vector<Panel>& panels, const juce::String& yName, con
         for (std::size_t i = 0; i < panels.size(); ++i)
         {
             const auto column = static_cast<float> (i % columns), row = static_cast<float> (i / columns);
-            drawPanel (g, { left + column * columnDistance, top + row * rowDistance, panelWidth, panelHeight }, panels[i],
-                       yName);
+            drawPanel (g, { left + column * columnDistance, top + row * rowDistance, panelWidth, panelHeight },
+                       panels[i], yName);
         }
     }
 

@@ -10,8 +10,8 @@ namespace tarvelline::bench
 /** One curve over one quantity. The upright axis starts at 0. */
 struct Panel
 {
-    juce::String name;   // of the level axis
-    bool isLogarithmic;  // that axis
+    juce::String name;  // of the level axis
+    bool isLogarithmic; // that axis
     std::vector<double> x, y;
 };
 

@@ -54,8 +54,7 @@ public:
         : stretcher (static_cast<std::size_t> (rate), channels,
                      Stretcher::OptionProcessRealTime | Stretcher::OptionThreadingNever
                          | Stretcher::OptionPitchHighConsistency | engine,
-                     1.0,
-                     std::exp2 (semitones / 12.0))
+                     1.0, std::exp2 (semitones / 12.0))
     {
     }
 
@@ -108,11 +107,11 @@ std::vector<Program> programs()
         { return std::make_unique<RubberBand> (rate, semitones, engine); };
     };
 
-    return { { "Tarvelline", [] (double rate, double semitones)
-               { return startVoices (rate, { juce::roundToInt (semitones) }); } },
+    return { { "Tarvelline",
+               [] (double rate, double semitones) { return startVoices (rate, { juce::roundToInt (semitones) }); } },
              { "Rubber Band R3", rubberBand (::RubberBand::RubberBandStretcher::OptionEngineFiner) },
              { "Rubber Band R2", rubberBand (::RubberBand::RubberBandStretcher::OptionEngineFaster) },
-             { "SoundTouch", [] (double rate, double semitones)
-               { return std::make_unique<SoundTouch> (rate, semitones); } } };
+             { "SoundTouch",
+               [] (double rate, double semitones) { return std::make_unique<SoundTouch> (rate, semitones); } } };
 }
 } // namespace tarvelline::bench

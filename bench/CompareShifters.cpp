@@ -58,9 +58,10 @@ Cost measure (Shifter& shifter, double sampleRate, int size)
 
 void compareShifters()
 {
-    std::printf ("CPU seconds for a second of stereo audio at %.1f kHz, blocks of %d, and the slowest block's share of its "
-                 "deadline\n%-18s",
-                 rate / 1000.0, blockSize, "semitones");
+    std::printf (
+        "CPU seconds for a second of stereo audio at %.1f kHz, blocks of %d, and the slowest block's share of its "
+        "deadline\n%-18s",
+        rate / 1000.0, blockSize, "semitones");
 
     for (const auto shift : shifts)
         std::printf ("%+16d", shift);

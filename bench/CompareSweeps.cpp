@@ -35,10 +35,8 @@ Sweep overVoices()
     Sweep sweep { { "voices", false, {}, {} }, {} };
 
     for (int voices = 1; voices <= static_cast<int> (semitones.size()); ++voices)
-        sweep.settings.push_back ({ static_cast<double> (voices),
-                                    { semitones.begin(), semitones.begin() + voices },
-                                    usualRate,
-                                    usualBlock });
+        sweep.settings.push_back (
+            { static_cast<double> (voices), { semitones.begin(), semitones.begin() + voices }, usualRate, usualBlock });
 
     return sweep;
 }

@@ -51,7 +51,8 @@ void compareAt (int length)
 
     for (const auto& set : test::instructionSets())
         for (const auto forwards : { true, false })
-            contenders.push_back ({ (forwards ? "forward " : "inverse ") + set, load,
+            contenders.push_back ({ (forwards ? "forward " : "inverse ") + set,
+                                    load,
                                     [&, forwards]
                                     { forwards ? hartley.forward (data.data()) : hartley.inverse (data.data()); },
                                     {} });
@@ -63,11 +64,12 @@ void compareAt (int length)
             const auto set = contender.name.substr (contender.name.find (' ') + 1);
             const test::OnInstructionSet held (set);
             const auto copying = nanosecondsOf (contender.copy);
-            contender.nanoseconds.push_back (nanosecondsOf ([&]
-                                                            {
-                                                                contender.copy();
-                                                                contender.run();
-                                                            })
+            contender.nanoseconds.push_back (nanosecondsOf (
+                                                 [&]
+                                                 {
+                                                     contender.copy();
+                                                     contender.run();
+                                                 })
                                              - copying);
         }
     }

@@ -22,14 +22,13 @@ constexpr double rate = 48000.0;
 constexpr int largestBlock = 1024;               // samples
 constexpr float ceiling = 15.85f;                // +24 dBFS
 constexpr std::size_t allowedGrowth = 64 * 1024; // bytes, after the first minute
-constexpr int sourceLength = 60 * 48000;         // samples of input, played over and over
+constexpr int sourceLength = 60 * 48000;         // samples of partials, noise and clicks, played over and over
 
 /** One instance, its random player and what was measured. */
 class Soak
 {
 public:
     Soak()
-        : source (test::mix (test::harmonicTone (110.0, rate, 60.0, 30, 0.35), test::whiteNoise (sourceLength, 1, 0.1)))
     {
         processor.parameters.getParameter (parameterId::midiOptions)->setValueNotifyingHost (0.0f); // voices
         processor.prepareToPlay (rate, largestBlock);
@@ -154,7 +153,7 @@ private:
         float goal = 0.5f, position = 0.5f;
     };
 
-    const test::Samples source;
+    const test::Samples source = test::material (sourceLength);
     const std::vector<juce::uint8> sysex = std::vector<juce::uint8> (1024, 0x11);
     std::mt19937 random { test::noiseSeed };
     Wheel wheels[2] = { { parameterId::mainWheelPar }, { parameterId::timbWheelPar } };

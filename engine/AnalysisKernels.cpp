@@ -45,14 +45,15 @@ void ReadStretched (const float* input, const float* ratios, const float* window
 {
     const auto limit = static_cast<float> (length);
 
-    forEachVector (0, length,
-                   [=] (auto d, std::size_t j) HWY_ATTR
-                   {
-                       const auto position = positionOf (d, j, ratios);
-                       const auto inside = hn::Lt (position, hn::Set (d, limit));
-                       const auto sample = hn::Mul (interpolated (d, input, position, limit), hn::LoadU (d, window + j));
-                       hn::StoreU (hn::Add (hn::IfThenElseZero (inside, sample), alternatingGuard (d, j)), d, frame + j);
-                   });
+    forEachVector (
+        0, length,
+        [=] (auto d, std::size_t j) HWY_ATTR
+        {
+            const auto position = positionOf (d, j, ratios);
+            const auto inside = hn::Lt (position, hn::Set (d, limit));
+            const auto sample = hn::Mul (interpolated (d, input, position, limit), hn::LoadU (d, window + j));
+            hn::StoreU (hn::Add (hn::IfThenElseZero (inside, sample), alternatingGuard (d, j)), d, frame + j);
+        });
 }
 
 void MeasureBins (const AnalysisBins& given)
@@ -90,9 +91,9 @@ std::size_t NextResetPeak (const float* lockCount, const float* sum, std::size_t
     for (; bin + hn::Lanes (d) <= end; bin += hn::Lanes (d))
     {
         const auto here = hn::LoadU (d, sum + bin);
-        const auto peak = hn::And (hn::Eq (hn::LoadU (d, lockCount + bin), hn::Zero (d)),
-                                   hn::And (hn::Gt (here, hn::LoadU (d, sum + bin - 1)),
-                                            hn::Gt (here, hn::LoadU (d, sum + bin + 1))));
+        const auto peak = hn::And (
+            hn::Eq (hn::LoadU (d, lockCount + bin), hn::Zero (d)),
+            hn::And (hn::Gt (here, hn::LoadU (d, sum + bin - 1)), hn::Gt (here, hn::LoadU (d, sum + bin + 1))));
 
         if (const auto first = hn::FindFirstTrue (d, peak); first >= 0)
             return bin + static_cast<std::size_t> (first);
@@ -118,8 +119,8 @@ void AdvancePhases (const AnalysisBins& given)
                        for (std::size_t c = 0; c < bins.channelCount; ++c)
                        {
                            const auto& channel = bins.channels[c];
-                           const auto gain =
-                               hn::Div (one, hn::Add (hn::LoadU (d, channel.magnitude + k), hn::Set (d, denormalGuard)));
+                           const auto gain = hn::Div (
+                               one, hn::Add (hn::LoadU (d, channel.magnitude + k), hn::Set (d, denormalGuard)));
                            const Complex phasor { hn::Mul (hn::LoadU (d, channel.spectrum + k), gain),
                                                   hn::Mul (hn::LoadU (d, channel.spectrum + bins.binCount + k), gain) };
                            const auto lastPhasor = pairs (channel.lastPhasor, bins.binCount);

@@ -93,7 +93,8 @@ HWY_INLINE Neighbours<hn::Vec<D>> neighbours (D d, const float* frame, VI index)
     const auto lanes = static_cast<int> (hn::Lanes (d));
     const auto at = hn::Sub (index, hn::Set (di, first)), one = hn::Set (di, 1);
 
-    if (HWY_LIKELY (hn::AllTrue (di, hn::And (hn::Gt (at, hn::Set (di, -1)), hn::Lt (at, hn::Set (di, 2 * lanes - 1))))))
+    if (HWY_LIKELY (
+            hn::AllTrue (di, hn::And (hn::Gt (at, hn::Set (di, -1)), hn::Lt (at, hn::Set (di, 2 * lanes - 1))))))
     {
         const auto low = hn::LoadU (d, frame + first), high = hn::LoadU (d, frame + first + lanes);
         return { lookUp (d, low, high, at), lookUp (d, low, high, hn::Add (at, one)) };

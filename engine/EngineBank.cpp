@@ -72,8 +72,7 @@ void EngineBank::rebuildEngines()
     for (auto& line : dryLines)
         line.resize (frameSize);
 
-    const auto resources =
-        std::make_shared<EngineResources> (frameSize, sampleRate * choice.scalePerHz, sampleRate);
+    const auto resources = std::make_shared<EngineResources> (frameSize, sampleRate * choice.scalePerHz, sampleRate);
 
     for (auto& engine : engines)
     {
@@ -93,7 +92,8 @@ void EngineBank::destroyEngines() noexcept
         engine.reset();
 }
 
-void EngineBank::process (const BankRun& run, VoiceSlots& voices, const VoiceLevels& levels) noexcept TARVELLINE_REAL_TIME
+void EngineBank::process (const BankRun& run, VoiceSlots& voices,
+                          const VoiceLevels& levels) noexcept TARVELLINE_REAL_TIME
 {
     assert (ready && run.count <= longestRun);
 
@@ -131,8 +131,8 @@ void EngineBank::processFrame (const FrameControls& controls, VoiceSlots& voices
 
     const float* const inputs[] = { in, in + channels - 1 };
     float* const outputs[] = { out, out + channels - 1 };
-    process ({ &controls.pitchSemitones, &controls.timbreSemitones, controls.transposeMode, controls.timbreInUse, inputs,
-               outputs, channels, 1 },
+    process ({ &controls.pitchSemitones, &controls.timbreSemitones, controls.transposeMode, controls.timbreInUse,
+               inputs, outputs, channels, 1 },
              voices, levels);
 }
 

@@ -84,8 +84,7 @@ void WarpEnvelope (const EnvelopeWarp& given)
                    [=] (auto d, std::size_t k) HWY_ATTR
                    {
                        const hn::RebindToSigned<decltype (d)> di;
-                       const auto position =
-                           hn::Mul (countFrom (d, k), hn::Set (d, warp.ratio));
+                       const auto position = hn::Mul (countFrom (d, k), hn::Set (d, warp.ratio));
                        const auto inside = hn::Lt (position, hn::Set (d, top));
                        const auto index = hn::ConvertTo (di, hn::Min (position, hn::Set (d, top - 1.0f)));
                        const auto fraction = hn::Sub (position, hn::ConvertTo (d, index));

@@ -126,12 +126,12 @@ void Forward (const HartleyTables& tables, float* data, float* scratch)
         const auto mirroredRow = [&] (std::size_t r) HWY_ATTR
         {
             return Complex<hn::Vec<decltype (tag)>> { loadMirrored (tag, from.re + mirror + r * quarter),
-                                                     loadMirrored (tag, from.im + mirror + r * quarter) };
+                                                      loadMirrored (tag, from.im + mirror + r * quarter) };
         };
         const FourPoints mirrored (mirroredRow (0), mirroredRow (1), mirroredRow (2), mirroredRow (3));
-        const auto splitter = [&] (std::size_t k) HWY_ATTR
-        {
-            return Splitter<hn::Vec<decltype (tag)>> { hn::LoadU (tag, split + k), hn::LoadU (tag, split + half / 2 + k) };
+        const auto splitter = [&] (std::size_t k) HWY_ATTR {
+            return Splitter<hn::Vec<decltype (tag)>> { hn::LoadU (tag, split + k),
+                                                       hn::LoadU (tag, split + half / 2 + k) };
         };
         const auto write = [&] (std::size_t r, const auto& bins) HWY_ATTR
         {
@@ -207,8 +207,9 @@ void Inverse (const HartleyTables& tables, float* data, float* scratch)
                                loadMirrored (d, back + half) },
                   w, rows[r], mirrored[3 - r]);
         };
-        const auto splitter = [&] (std::size_t k) HWY_ATTR
-        { return Splitter<V> { hn::LoadU (d, split + k), hn::LoadU (d, split + half / 2 + k) }; };
+        const auto splitter = [&] (std::size_t k) HWY_ATTR {
+            return Splitter<V> { hn::LoadU (d, split + k), hn::LoadU (d, split + half / 2 + k) };
+        };
         const auto w0 = splitter (t), w1 = splitter (t + quarter);
         joinRow (0, w0);
         joinRow (1, w1);

@@ -100,15 +100,17 @@ inline void secondPass (const HartleyTables& tables, SplitComplex from, SplitCom
 }
 
 /** A pass at a stride of 16 or more: runs of `stride` elements share their turns. Returns the next pass's turns. */
-inline const float* widePass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from, SplitComplex to)
+inline const float* widePass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from,
+                              SplitComplex to)
 {
     const hn::CappedTag<float, 16> d;
     const auto quarter = half / 4;
 
     for (std::size_t start = 0; start < quarter; start += stride, turns += 6)
     {
-        const auto turn = [&] (std::size_t i) HWY_ATTR
-        { return Complex<decltype (hn::Zero (d))> { hn::Set (d, turns[i]), hn::Set (d, turns[i + 1]) }; };
+        const auto turn = [&] (std::size_t i) HWY_ATTR {
+            return Complex<decltype (hn::Zero (d))> { hn::Set (d, turns[i]), hn::Set (d, turns[i + 1]) };
+        };
         const auto w1 = turn (0), w2 = turn (2), w3 = turn (4);
 
         for (std::size_t q = 0; q < stride; q += hn::Lanes (d))

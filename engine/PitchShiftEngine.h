@@ -78,10 +78,10 @@ public:
 private:
     struct Channel
     {
-        AlignedVector<float> inRing;              // 2 N: every sample twice, N apart, so that a frame is one run; and readAhead
-        AlignedVector<float> outRing;             // 2 N
-        AlignedVector<float> magnitude;           // K: of the last analysis frame
-        AlignedVector<float> shapedMagnitude;     // K: with the envelope warped
+        AlignedVector<float> inRing;    // 2 N: every sample twice, N apart, so that a frame is one run; and readAhead
+        AlignedVector<float> outRing;   // 2 N
+        AlignedVector<float> magnitude; // K: of the last analysis frame
+        AlignedVector<float> shapedMagnitude;                  // K: with the envelope warped
         AlignedVector<float> advance, lastPhasor, synthPhasor; // N: unit phasors, pair layout
         AlignedVector<float> phaseOffset; // N, the same: synthPhasor against lastPhasor, before bad samples came in
     };

@@ -85,7 +85,8 @@ void PitchShiftEngine::resampleWindows() noexcept
         return;
 
     const auto step = static_cast<float> (frameSize) / static_cast<float> (synthesisSpan);
-    const auto inner = static_cast<std::size_t> (tables.narrowStart), outer = static_cast<std::size_t> (tables.narrowEnd);
+    const auto inner = static_cast<std::size_t> (tables.narrowStart),
+               outer = static_cast<std::size_t> (tables.narrowEnd);
     auto index = 0.0f;
     narrowStart = narrowEnd = 0;
 

@@ -26,25 +26,26 @@ void TurnPhasors (const SynthesisBins& given)
     const auto half = bins.binCount;
     auto* phasors = bins.phasor;
 
-    forEachVector (0, bins.activeBins,
-                   [=] (auto d, std::size_t k) HWY_ATTR
-                   {
-                       const auto count = hn::LoadU (d, bins.lockCount + k);
-                       const Complex advance { hn::LoadU (d, bins.advance + k), hn::LoadU (d, bins.advance + half + k) };
-                       auto phasor = load (d, pairs (phasors, half), k) * advance;
-                       phasor = choose (hn::Eq (count, hn::Zero (d)), advance, phasor);
-                       phasor = normalisedWhere (
-                           d, hn::Eq (count, hn::Set (d, static_cast<float> (renormaliseSynthesisAt))), phasor);
-                       store (d, phasor, pairs (phasors, half), k);
+    forEachVector (
+        0, bins.activeBins,
+        [=] (auto d, std::size_t k) HWY_ATTR
+        {
+            const auto count = hn::LoadU (d, bins.lockCount + k);
+            const Complex advance { hn::LoadU (d, bins.advance + k), hn::LoadU (d, bins.advance + half + k) };
+            auto phasor = load (d, pairs (phasors, half), k) * advance;
+            phasor = choose (hn::Eq (count, hn::Zero (d)), advance, phasor);
+            phasor =
+                normalisedWhere (d, hn::Eq (count, hn::Set (d, static_cast<float> (renormaliseSynthesisAt))), phasor);
+            store (d, phasor, pairs (phasors, half), k);
 
-                       const auto gain = hn::Mul (hn::Set (d, bins.gain), hn::LoadU (d, bins.magnitude + k));
-                       const auto lowGain = hn::Mul (gain, hn::LoadU (d, bins.lowBandWeight + k));
-                       const auto highGain = hn::Sub (gain, lowGain);
-                       store (d, Complex { hn::Mul (phasor.re, lowGain), hn::Mul (phasor.im, lowGain) },
-                              pairs (bins.low, half), k);
-                       store (d, Complex { hn::Mul (phasor.re, highGain), hn::Mul (phasor.im, highGain) },
-                              pairs (bins.high, half), k);
-                   });
+            const auto gain = hn::Mul (hn::Set (d, bins.gain), hn::LoadU (d, bins.magnitude + k));
+            const auto lowGain = hn::Mul (gain, hn::LoadU (d, bins.lowBandWeight + k));
+            const auto highGain = hn::Sub (gain, lowGain);
+            store (d, Complex { hn::Mul (phasor.re, lowGain), hn::Mul (phasor.im, lowGain) }, pairs (bins.low, half),
+                   k);
+            store (d, Complex { hn::Mul (phasor.re, highGain), hn::Mul (phasor.im, highGain) }, pairs (bins.high, half),
+                   k);
+        });
 
     for (auto* spectrum : { bins.low, bins.high })
     {
@@ -68,7 +69,8 @@ HWY_INLINE void forEachRun (const OverlapAdd& job, const Run& run)
             if (boundary > from)
                 end = std::min (end, boundary);
 
-        const auto offset = from < wrap ? job.ringStart : job.ringStart - 2 * job.length; // unsigned: j + offset is right
+        const auto offset =
+            from < wrap ? job.ringStart : job.ringStart - 2 * job.length; // unsigned: j + offset is right
         run (from, end, offset, from < job.overlap, from >= job.narrowStart && from < job.narrowEnd);
         from = end;
     }
@@ -86,8 +88,7 @@ void OverlapAddInterpolated (const OverlapAdd& given)
                                    [=] (auto d, std::size_t j) HWY_ATTR
                                    {
                                        const auto position = positionOf (d, j, job.ratios);
-                                       const auto inside =
-                                           hn::Lt (position, hn::Set (d, length));
+                                       const auto inside = hn::Lt (position, hn::Set (d, length));
                                        auto value = hn::Mul (interpolated (d, job.low, position, length),
                                                              hn::LoadU (d, job.wide + j));
 
@@ -116,8 +117,7 @@ void OverlapAddDirect (const OverlapAdd& given)
                     forEachVector (from, end,
                                    [=] (auto d, std::size_t j) HWY_ATTR
                                    {
-                                       const auto inside = hn::Lt (positionOf (d, j, job.ratios),
-                                                                   hn::Set (d, length));
+                                       const auto inside = hn::Lt (positionOf (d, j, job.ratios), hn::Set (d, length));
                                        auto value = hn::IfThenElseZero (
                                            inside, hn::Mul (hn::LoadU (d, job.low + j), hn::LoadU (d, job.wide + j)));
 

@@ -26,8 +26,8 @@ void turnPhasors (const SynthesisBins&) noexcept;
 struct OverlapAdd
 {
     const float *low, *high;
-    const float* ratios;        // of each output sample: it is read at j * ratio, if that is inside the frame
-    const float *wide, *narrow; // the bands' windows at each output sample
+    const float* ratios;                // of each output sample: it is read at j * ratio, if that is inside the frame
+    const float *wide, *narrow;         // the bands' windows at each output sample
     std::size_t narrowStart, narrowEnd; // outside these the narrow window is 0
     std::size_t length;                 // N
     std::size_t span;                   // output samples

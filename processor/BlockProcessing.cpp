@@ -36,12 +36,13 @@ struct TarvellineAudioProcessor::Run
 
     int channels, count;
     bool transpose = true;
-    std::array<float*, maxChannels> samples {};                         // of the block
-    std::array<float, longestRun> pitch, timbre;                        // semitones, after each sample's step
-    std::array<std::array<float, longestRun>, maxChannels> wet {};      // what the engines gave
+    std::array<float*, maxChannels> samples {};                    // of the block
+    std::array<float, longestRun> pitch, timbre;                   // semitones, after each sample's step
+    std::array<std::array<float, longestRun>, maxChannels> wet {}; // what the engines gave
 };
 
-void TarvellineAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi) TARVELLINE_REAL_TIME
+void TarvellineAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer,
+                                             juce::MidiBuffer& midi) TARVELLINE_REAL_TIME
 {
     const juce::ScopedNoDenormals flushDenormals;
 
@@ -127,7 +128,8 @@ void TarvellineAudioProcessor::mixRun (Run& run, float mix) noexcept
         // Both wheels exactly in the centre, in transpose mode: the dry signal takes over.
         const auto atRest = run.transpose && std::abs (run.pitch[sample]) < restSemitones
                             && std::abs (run.timbre[sample]) < restSemitones;
-        dryCrossfade = atRest ? std::min (dryCrossfade + crossfadeStep, 1.0f) : std::max (dryCrossfade - crossfadeStep, 0.0f);
+        dryCrossfade =
+            atRest ? std::min (dryCrossfade + crossfadeStep, 1.0f) : std::max (dryCrossfade - crossfadeStep, 0.0f);
         crossfades[sample] = dryCrossfade;
     }
 
@@ -146,12 +148,14 @@ void TarvellineAudioProcessor::mixRun (Run& run, float mix) noexcept
 
             // The larger of the two shares: the dry signal does not dip while one hands over to the other.
             const auto dryShare = std::max (1.0f - mix, crossfade);
-            samples[i] = ((1.0f - crossfade) * wet[i] * mix + dryShare * samples[i]) * gains[static_cast<std::size_t> (i)];
+            samples[i] =
+                ((1.0f - crossfade) * wet[i] * mix + dryShare * samples[i]) * gains[static_cast<std::size_t> (i)];
         }
     }
 }
 
-void TarvellineAudioProcessor::processBlockBypassed (juce::AudioBuffer<float>& buffer, juce::MidiBuffer&) TARVELLINE_REAL_TIME
+void TarvellineAudioProcessor::processBlockBypassed (juce::AudioBuffer<float>& buffer,
+                                                     juce::MidiBuffer&) TARVELLINE_REAL_TIME
 {
     for (int c = 0; c < std::min (buffer.getNumChannels(), maxChannels); ++c)
         engine.delayDry (c, buffer.getWritePointer (c), buffer.getNumSamples());
