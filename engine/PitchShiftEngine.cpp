@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <bit>
 #include <cassert>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <utility>
@@ -20,6 +21,7 @@ constexpr float minimumRatio = 1.0e-10f;
 constexpr float maximumRatio = 96.0f;
 constexpr float minimumFormantRatio = 0.001f; // in place of a negative one
 constexpr float loudestSample = 1.0e4f;       // +80 dBFS: no signal, and its square would soon leave single precision
+constexpr float audibleSample = 1.0e-6f;      // -120 dBFS
 
 /** Written so that a NaN, for which every comparison is false, ends at the lower bound. */
 float heldToRange (float ratio) noexcept
@@ -153,7 +155,7 @@ void PitchShiftEngine::exchangeSamples (const EngineRun& run, int first, int cou
     }
 
     unityRun = std::min (unityRun, frameSize);
-    auto lastBad = -1;
+    auto lastBad = -1, lastDenormal = -1;
 
     for (int c = 0; c < channelCount; ++c)
     {
@@ -167,15 +169,27 @@ void PitchShiftEngine::exchangeSamples (const EngineRun& run, int first, int cou
             const auto magnitude = magnitudeBits (in[i]);
             ring[i] = ring[i + frameSize] = magnitude >= quietestBits && magnitude <= loudestBits ? in[i] : 0.0f;
             lastBad = magnitude > loudestBits ? std::max (lastBad, i) : lastBad;
+            lastDenormal = magnitude != 0 && magnitude < quietestBits ? std::max (lastDenormal, i) : lastDenormal;
         }
 
         std::copy_n (channel.outRing.data() + ((outPos - frameSize) & outRingMask), count, run.out[c] + first);
     }
 
+    // Denormals are silence, as of a tail that dies away. In one channel alone they are a fault of what made them.
+    if (lastDenormal > lastBad && someChannelSounds (inPos + lastDenormal))
+        lastBad = lastDenormal;
+
     if (lastBad >= 0 && ! std::exchange (inputSpoilt, true))
         keepPhaseOffsets();
 
     cleanRun = std::min ((lastBad >= 0 ? 0 : cleanRun) + count - 1 - lastBad, frameSize);
+}
+
+bool PitchShiftEngine::someChannelSounds (int position) const noexcept
+{
+    return std::any_of (channelState.begin(), channelState.begin() + channelCount,
+                        [=] (const Channel& channel)
+                        { return std::abs (channel.inRing[static_cast<std::size_t> (position)]) > audibleSample; });
 }
 
 /** Moves the cursors on, and makes the frames that are due. */

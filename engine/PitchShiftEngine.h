@@ -36,8 +36,8 @@ struct EngineRun
     Real time: processing never allocates, locks or throws. A sample costs O(channels), and once a hop there are one
             forward or two inverse transforms a channel; all memory comes from prepare().
     Errors: none reported. Ratios are clamped; processing unprepared is a caller's fault (asserted). A sample
-            that is subnormal, not finite or beyond +-1e4 counts as 0; once the last two are over the phases go on
-            from where they were before.
+            that is subnormal, not finite or beyond +-1e4 counts as 0. After the last two, or subnormal ones in one
+            channel alone, the phases go on from where they were before.
 
     Sources: Flanagan and Golden, "Phase vocoder", Bell Syst. Tech. J. 45(9), 1966: magnitude and phase advance a bin.
             Laroche and Dolson, "Improved phase vocoder time-scale modification of audio", IEEE Trans. Speech Audio
@@ -89,6 +89,7 @@ private:
     // Samples in and out (PitchShiftEngine.cpp)
     int samplesToBoundary() const noexcept;
     void exchangeSamples (const EngineRun&, int first, int count) noexcept;
+    bool someChannelSounds (int position) const noexcept;
     void advance (int samples) noexcept;
 
     // Ratio and geometry (PitchShiftEngine.cpp)
