@@ -223,10 +223,10 @@ void TarvellineAudioProcessorEditor::speakValues()
     for (auto& [wheel, steps] : { std::pair<juce::Slider&, double&> { controls.mainWheelSlider, pitchRangeSteps },
                                   { controls.timbreWheelSlider, timbreRangeSteps } })
     {
-        wheel.textFromValueFunction = [&steps] (double value)
-        { return juce::String ((value - 0.5) * steps, 2) + " semitones"; };
-        wheel.valueFromTextFunction = [&steps] (const juce::String& text)
-        { return text.getDoubleValue() / steps + 0.5; };
+        wheel.textFromValueFunction = [&span = steps] (double value)
+        { return juce::String ((value - 0.5) * span, 2) + " semitones"; };
+        wheel.valueFromTextFunction = [&span = steps] (const juce::String& text)
+        { return text.getDoubleValue() / span + 0.5; };
     }
 }
 

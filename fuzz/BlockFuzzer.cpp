@@ -3,6 +3,7 @@
 #include "fuzz/Require.h"
 #include "processor/TarvellineAudioProcessor.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <fuzzer/FuzzedDataProvider.h>
@@ -12,6 +13,7 @@ namespace tarvelline::fuzz
 namespace
 {
 constexpr float loudest = 1.0e6f;       // +120 dBFS: a square of its magnitudes is still far from overflow
+constexpr int anything = 4;             // the kind of samples that may be no numbers
 constexpr int longestSession = 1 << 15; // samples: four latencies of the highest rates, and soon done
 
 class Session
@@ -46,7 +48,7 @@ private:
         processor.setBusesLayout ({ { set }, { set } });
         processor.prepareToPlay (input.ConsumeFloatingPointInRange (8000.0, 384000.0),
                                  input.ConsumeIntegralInRange (0, 8192));
-        poisoned = false;
+        cleanSamples = longestSession; // all that was is gone
     }
 
     // Any bits: a host may store what is no number.
@@ -84,8 +86,8 @@ private:
             case 0: return 0.0f;
             case 1: return uniform;
             case 2: return uniform * loudest;
-            case 3: return uniform * 1.0e-40f;            // subnormal
-            default: return std::bit_cast<float> (noise); // anything, also what is no number
+            case 3: return uniform * 1.0e-40f; // subnormal
+            default: return std::bit_cast<float> (noise);
         }
     }
 
@@ -93,14 +95,12 @@ private:
     {
         const auto length =
             input.ConsumeBool() ? input.ConsumeIntegralInRange (0, 64) : input.ConsumeIntegralInRange (0, 9000);
-        const auto kind = input.ConsumeIntegralInRange (0, 4);
+        const auto kind = input.ConsumeIntegralInRange (0, anything);
         juce::AudioBuffer<float> block (processor.getTotalNumInputChannels(), length);
 
         for (int c = 0; c < block.getNumChannels(); ++c)
             for (int i = 0; i < length; ++i)
                 block.setSample (c, i, sampleOf (kind));
-
-        poisoned = poisoned || kind == 4;
 
         if (bypassed)
             processor.processBlockBypassed (block, midi);
@@ -109,6 +109,7 @@ private:
 
         require (bypassed || midi.isEmpty(), "the MIDI is used up");
         midi.clear();
+        cleanSamples = kind == anything ? 0 : cleanSamples + length;
         checkOutput (block);
         samplesPlayed += length + 1;
     }
@@ -118,8 +119,11 @@ private:
         for (const auto* wheel : { &processor.mainWheel, &processor.timbWheel })
             require (std::isfinite (wheel->point) && std::isfinite (wheel->semitones), "the wheels are somewhere");
 
-        for (int c = 0; c < block.getNumChannels() && ! poisoned; ++c)
-            for (int i = 0; i < block.getNumSamples(); ++i)
+        // What is no number leaves by the dry path, one latency later, and stays nowhere.
+        const auto dueFrom = block.getNumSamples() - (cleanSamples - processor.getLatencySamples());
+
+        for (int c = 0; c < block.getNumChannels(); ++c)
+            for (int i = std::max (dueFrom, 0); i < block.getNumSamples(); ++i)
                 require (std::isfinite (block.getSample (c, i)), "finite in, finite out");
     }
 
@@ -128,7 +132,7 @@ private:
     juce::MidiBuffer midi;
     std::uint32_t noise = 1;
     int samplesPlayed = 0;
-    bool poisoned = false;
+    int cleanSamples = longestSession; // since the last that may have been no number
 };
 } // namespace
 } // namespace tarvelline::fuzz

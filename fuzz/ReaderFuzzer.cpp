@@ -3,9 +3,11 @@
 #include "fuzz/Require.h"
 #include "tools/render/Errors.h"
 #include "tools/render/Recording.h"
+#include "tools/render/StateFile.h"
 #include "tools/render/Timeline.h"
 
-#include <cmath>
+#include <cstring>
+#include <string_view>
 
 namespace tarvelline::fuzz
 {
@@ -58,8 +60,8 @@ void readSome (const juce::File& file)
 int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t size)
 {
     using namespace tarvelline::fuzz;
-    static const juce::TemporaryFile place (".bin");
-    const auto& file = place.getFile();
+    static const juce::TemporaryFile wav (".wav"), flac (".flac"); // a recording is read as what its name says
+    const auto& file = (size > 3 && std::memcmp (data, "fLaC", 4) == 0 ? flac : wav).getFile();
 
     if (size == 0 ? ! file.replaceWithText ({}) : ! file.replaceWithData (data, size))
         return 0;
@@ -67,5 +69,6 @@ int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t size)
     tryReader ([&] { playEvents ({}, readMidi (file)); });
     tryReader ([&] { playEvents (readAutomation (file), {}); });
     tryReader ([&] { readSome (file); });
+    tryReader ([&] { readState (file); });
     return 0;
 }
