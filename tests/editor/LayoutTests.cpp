@@ -7,28 +7,30 @@ namespace
 {
 using juce::Rectangle;
 
-struct Placed
-{
-    const char* control;
-    Rectangle<int> bounds;
-};
-
-// A half mode that squeezes the whole design, one factor for both axes, or edges rounded instead of sizes.
+// A half mode that squeezes the whole design, one factor for both axes, or edges rounded instead of sizes; a control that is
+// not on its place in the artwork.
 TEST (Layout, ScalesEachAxisByItself)
 {
-    const std::tuple<int, bool, Placed> cases[] = {
-        { 576, true, { "mainWheelSlider", { 92, 66, 330, 330 } } },
-        { 576, false, { "mainWheelSlider", { 92, 66, 330, 330 } } },
-        { 288, true, { "sizeButton", { 236, 165, 19, 48 } } },
-        { 288, false, { "mainWheelSlider", { 46, 33, 165, 165 } } },
-        { 400, false, { "mainWheelSlider", { 63, 45, 229, 229 } } },
-        { 400, false, { "mixerSlider", { 310, 350, 33, 33 } } },
-        { 258, true, { "keyboard", { 40, 236, 150, 16 } } },
-        { 258, true, { "timbreDial", { 294, 54, 99, 99 } } },
-    };
+    for (const auto& [height, full, control, bounds] :
+         { std::tuple { 576, true, "mainWheelSlider", Rectangle<int> (92, 66, 330, 330) },
+           { 576, false, "pitchDial", { 145, 119, 223, 223 } },
+           { 576, false, "midiModeButton", { 12, 515, 63, 48 } },
+           { 576, false, "pitchGravitySlider", { 85, 422, 77, 77 } },
+           { 288, true, "sizeButton", { 236, 165, 19, 48 } },
+           { 288, false, "mainWheelSlider", { 46, 33, 165, 165 } },
+           { 400, false, "mainWheelSlider", { 63, 45, 229, 229 } },
+           { 400, false, "mixerSlider", { 310, 350, 33, 33 } },
+           { 258, true, "keyboard", { 40, 236, 150, 16 } },
+           { 258, true, "timbreDial", { 294, 54, 99, 99 } } })
+        EXPECT_EQ (EditorRig (height, full).control (control).getBounds(), bounds) << control << " at " << height;
 
-    for (const auto& [height, full, place] : cases)
-        EXPECT_EQ (EditorRig (height, full).control (place.control).getBounds(), place.bounds) << height;
+    EditorRig rig (576, true);
+
+    for (const juce::String control :
+         { "ScaleSlider", "GravitySlider", "InertiaSlider", "SmoothSlider", "RangeBox", "SnapButton" })
+        EXPECT_EQ (rig.control ("timbre" + control).getBounds(),
+                   rig.control ("pitch" + control).getBounds() + juce::Point (512, 0))
+            << control;
 }
 
 // A height that the limits fit to a truncated width (500 opens at 499), or a stored one that no window can have.

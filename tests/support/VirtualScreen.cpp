@@ -15,6 +15,15 @@ namespace tarvelline::test
 {
 namespace
 {
+/** Ends the test at once: Xlib's own handler would run destructors, which wait for the message that is being handled. */
+int endWithError (Display* display, XErrorEvent* event)
+{
+    char text[200] = {};
+    XGetErrorText (display, event->error_code, text, sizeof (text));
+    std::fprintf (stderr, "X error: %s, request %d\n", text, event->request_code);
+    std::_Exit (EXIT_FAILURE);
+}
+
 /** Starts a server that ends with its last client, be it by a crash. @returns its output, once it is ready; nullptr if the
     display is taken. */
 FILE* startServer (const std::string& display, const std::string& screen)
@@ -95,6 +104,7 @@ VirtualScreen::VirtualScreen (int width, int height)
 
     setenv ("DISPLAY", name.c_str(), 1);
     connection = std::make_unique<Connection> (name);
+    XSetErrorHandler (endWithError);
 }
 
 VirtualScreen::~VirtualScreen()

@@ -13,7 +13,7 @@ namespace tarvelline::test
 /** An X server of its own without a monitor (Xvfb, 24 bits), with a hand at mouse and keyboard and an eye on the screen.
 
     While it stands it is the DISPLAY of this process. It must stand before the framework first asks for a display, and
-    until the framework has shut down. One thread. A protocol error of this process ends it, which is Xlib's default. */
+    until the framework has shut down. One thread. A protocol error ends this process. */
 class VirtualScreen
 {
 public:
