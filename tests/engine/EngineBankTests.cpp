@@ -17,12 +17,19 @@ void play (EngineBank& bank, const FrameControls& controls, VoiceSlots& slots, S
         bank.processFrame (controls, slots, &input[i], output + i, 1);
 }
 
+/** A frame length, and the scale of its frequencies, that go with a sample rate. */
+struct Framing
+{
+    int frameSize;
+    float frequencyScale, rate;
+};
+
 /** What one engine alone makes of the input, its shift and its envelope's in semitones. */
-Samples playEngine (float pitch, float envelope, Signal input)
+Samples playEngine (float pitch, float envelope, Signal input, const Framing& framing = { 2048, 1.0f, 44100.0f })
 {
     const auto ratioOf = [] (float semitones) { return std::exp (semitones * 0.05776231f); };
     PitchShiftEngine engine;
-    engine.prepare (2048, 1.0f, 44100.0f);
+    engine.prepare (framing.frameSize, framing.frequencyScale, framing.rate);
     engine.setRatios (ratioOf (pitch), pitch == envelope ? 1.0f : ratioOf (pitch) / ratioOf (envelope));
     Samples output (input.size());
 
@@ -32,6 +39,26 @@ Samples playEngine (float pitch, float envelope, Signal input)
     return output;
 }
 } // namespace
+
+// Catches a limit on the wrong side of its rate, and onsets and bands sought at another rate's frequencies.
+TEST (EngineBank, FramesFollowTheSampleRate)
+{
+    const auto input = material (30000);
+
+    for (const auto& framing : { Framing { 2048, 1.0884354f, 48000.0f },
+                                 { 4096, 1.378125f, 88200.0f },
+                                 { 8192, 1.8375f, 176400.0f },
+                                 { 8192, 2.0f, 192000.0f } })
+    {
+        EngineBank bank;
+        bank.setSampleRate (framing.rate);
+        bank.rebuildEngines();
+        VoiceSlots slots;
+        Samples output (input.size());
+        play (bank, { 3.0f, 0.0f, true, false }, slots, input, output.data());
+        EXPECT_GT (signalToDifferenceDb (output, playEngine (3.0f, 3.0f, input, framing)), 100.0) << framing.rate;
+    }
+}
 
 // Catches a voice that takes another's engine, gain or shift, that misses a wheel or its start, an inverted formant ratio, and
 // an engine that runs or is cleared while its voice is off: a note that returns takes up where the slot stopped.
