@@ -55,9 +55,9 @@ bool compare (test::Signal actual, test::Signal expected, double rate, bool must
 
     if (mustBeEqual)
     {
-        const auto error = test::relativeRmsError (actual, expected);
-        std::printf ("relative difference %.1e\n", error);
-        return error == 0.0;
+        const auto decibels = test::signalToDifferenceDb (actual, expected);
+        std::printf ("%.1f dB above the difference\n", decibels); // inf: equal
+        return std::isinf (decibels);
     }
 
     const auto cents = test::centsBetween (test::frequencyHz (expected, rate), test::frequencyHz (actual, rate));
