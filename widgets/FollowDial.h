@@ -31,9 +31,9 @@ public:
     const juce::Font& getDialFont() const noexcept { return dialFont; }
 
     void paint (juce::Graphics&) override;
+    std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
 
 private:
-    std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
     void timerCallback() override;
     void drawRing (juce::Graphics&);
     void drawNumber (juce::Graphics&) const;

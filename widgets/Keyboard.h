@@ -23,9 +23,9 @@ public:
     void setVoices (const MidiVoices& source) { voices = &source; }
 
     void paint (juce::Graphics&) override;
+    std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
 
 private:
-    std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
     void drawWhiteKeys (juce::Graphics&, float keyWidth) const;
     void drawBlackKeys (juce::Graphics&, float keyWidth) const;
     bool isLit (int key) const;

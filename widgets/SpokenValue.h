@@ -20,14 +20,13 @@ class ModeButton : public juce::TextButton
 public:
     using juce::TextButton::TextButton;
 
-private:
     std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
 };
 
 /** A box that a screen reader calls by its title; the framework's own goes by what is chosen in it alone. */
 class TitledBox : public MyComboBox
 {
-private:
+public:
     std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
 };
 } // namespace tarvelline

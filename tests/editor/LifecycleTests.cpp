@@ -86,5 +86,30 @@ TEST (Accessibility, EveryControlHasATitleOfItsOwn)
     EXPECT_EQ (titles.size(), 20u);
     EXPECT_EQ (titles.count ({}), 0u);
 }
+
+template <typename Control>
+juce::String spoken (EditorRig& rig, const juce::String& id)
+{
+    const auto handler = rig.control<Control> (id).createAccessibilityHandler();
+    return handler->getTitle() + ": " + handler->getValueInterface()->getCurrentValueAsString();
+}
+
+// A switch that says "on" for a mode that has a name, a box named after what is chosen in it, a picture that says nothing.
+TEST (Accessibility, AScreenReaderHearsWhatTheEyeSees)
+{
+    EditorRig rig;
+    rig.set (parameterId::midiOptions, 0.0f);
+    rig.choose ("pitchRangeBox", 4);
+    rig.send ({ 0x90, 61, 100 });
+    rig.send ({ 0x90, 67, 100 });
+    rig.playBlock (8);
+    rig.processor.mainWheel.point = 0.75;
+    ((juce::Timer&) rig.control<FollowDial> ("pitchDial")).timerCallback(); // a private base, hence this form of cast
+
+    EXPECT_EQ (spoken<ModeButton> (rig, "midiModeButton"), "MIDI note mode: Multi");
+    EXPECT_EQ (spoken<TitledBox> (rig, "pitchRangeBox"), "Pitch range in semitones: 24");
+    EXPECT_EQ (spoken<FollowDial> (rig, "pitchDial"), "Sounding pitch shift: 6.00 semitones");
+    EXPECT_EQ (spoken<Keyboard> (rig, "keyboard"), "Held notes: C#4 G4");
+}
 } // namespace
 } // namespace tarvelline::test
