@@ -98,8 +98,10 @@ void TarvellineAudioProcessorEditor::applySizeMode()
     getConstrainer()->setFixedAspectRatio (static_cast<double> (aspectRatio));
 
     // What lies outside the window is out of reach of the Tab key and of screen readers too.
+    const auto shownWidth = designWidth / sizeMode;
+
     for (auto& place : placementsOf (controls))
-        place.control.setVisible (place.bounds.getX() < static_cast<float> (designWidth / sizeMode));
+        place.control.setVisible (place.bounds.getX() < static_cast<float> (shownWidth));
 
     if (isVisible())
     {

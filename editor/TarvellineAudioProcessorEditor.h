@@ -21,11 +21,11 @@ namespace tarvelline
     free from 258 to 576 pixels, the width follows from it and from the mode. What each control is bound to and where it lies
     stands in ControlTables.
     Message thread only. It writes some of the processor's shared fields directly; all of them are relaxed atomics. */
-class TarvellineAudioProcessorEditor : public juce::AudioProcessorEditor,
-                                       private juce::Button::Listener,
-                                       private juce::Slider::Listener,
-                                       private juce::ComboBox::Listener,
-                                       public juce::Timer
+class TarvellineAudioProcessorEditor final : public juce::AudioProcessorEditor,
+                                             private juce::Button::Listener,
+                                             private juce::Slider::Listener,
+                                             private juce::ComboBox::Listener,
+                                             public juce::Timer
 {
 public:
     explicit TarvellineAudioProcessorEditor (TarvellineAudioProcessor&);

@@ -20,11 +20,13 @@ struct EngineResources
     EngineResources (int frameLength, float frequencyScale, float sampleRate)
         : tables (frameLength, frequencyScale, sampleRate), transform (frameLength)
     {
+        const auto length = static_cast<std::size_t> (frameLength);
+
         for (auto* band : { &low, &high })
             for (auto& frame : *band)
-                frame.resize (static_cast<std::size_t> (frameLength + 1 + readAhead));
+                frame.resize (length + 1 + readAhead);
 
-        envelopes.resize (static_cast<std::size_t> (frameLength + 2));
+        envelopes.resize (length + 2);
     }
 
     const EngineTables tables;

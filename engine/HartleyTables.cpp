@@ -29,7 +29,8 @@ AlignedVector<float> turnsByElement (std::size_t half, std::size_t stride)
 
     for (std::size_t t = 0; t < count; ++t)
     {
-        const auto turns = static_cast<double> (t / stride * stride) / static_cast<double> (half);
+        const auto row = t / stride;
+        const auto turns = static_cast<double> (row * stride) / static_cast<double> (half);
 
         for (std::size_t power = 1; power <= 3; ++power)
         {

@@ -78,8 +78,9 @@ void drawLevelScale (juce::Graphics& g, juce::Rectangle<float> beside, int loude
 {
     const auto bar = beside.withX (beside.getRight() + 30.0f).withWidth (24.0f);
 
-    for (float y = 0.0f; y < bar.getHeight(); y += 1.0f)
+    for (int row = 0; row < juce::roundToInt (bar.getHeight()); ++row)
     {
+        const auto y = static_cast<float> (row);
         g.setColour (paletteColour (1.0f - y / bar.getHeight()));
         g.fillRect (bar.getX(), bar.getY() + y, bar.getWidth(), 1.0f);
     }

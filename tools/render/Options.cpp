@@ -87,7 +87,7 @@ const std::array<Row, 14> rows { {
 // "--name value" or "--name=value"; moves `next` past what it used.
 void takeOption (Options& options, const juce::StringArray& arguments, int& next)
 {
-    const auto argument = arguments[next++];
+    const auto& argument = arguments[next++];
     const auto name = argument.upToFirstOccurrenceOf ("=", false, false);
     const auto row = std::find_if (rows.begin(), rows.end(), [&] (const Row& r) { return name == r.name; });
 

@@ -8,7 +8,7 @@ namespace tarvelline::render
 {
 std::unique_ptr<juce::AudioFormatReader> openRecording (const juce::File& file)
 {
-    const auto path = file.getFullPathName();
+    const auto& path = file.getFullPathName();
 
     if (! file.existsAsFile())
         throw UserError ("IN: there is no file " + path);

@@ -61,7 +61,7 @@ RecordingOutput::RecordingOutput (const juce::File& target, int bits, const juce
         throw UserError ("OUT: a " + format->getFormatName() + " cannot have " + juce::String (source.sampleRate)
                          + " Hz with " + juce::String (bits) + " bits");
 
-    stream.release(); // to the writer
+    static_cast<void> (stream.release()); // to the writer
 }
 
 void RecordingOutput::append (const juce::AudioBuffer<float>& buffer, int start, int count)

@@ -105,7 +105,7 @@ Spectrogram::Spectrogram (juce::AudioFormatReader& reader, const SpectrogramGrid
 {
     Analyser analyser (reader);
     const auto rowRatio = std::pow (grid.highHz / grid.lowHz, 1.0 / grid.rows);
-    levels.reserve (static_cast<std::size_t> (grid.columns * grid.rows));
+    levels.reserve (static_cast<std::size_t> (grid.columns) * static_cast<std::size_t> (grid.rows));
 
     for (int column = 0; column < grid.columns; ++column)
     {

@@ -88,6 +88,7 @@ bool readFrom (const Worker& worker, WorkOutcome& outcome)
 std::vector<pollfd> pipesOf (const std::vector<Worker>& workers)
 {
     std::vector<pollfd> pipes;
+    pipes.reserve (workers.size());
 
     for (const auto& worker : workers)
         pipes.push_back ({ worker.pipe, POLLIN, 0 });
