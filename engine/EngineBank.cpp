@@ -56,7 +56,7 @@ private:
 
 void EngineBank::setSampleRate (float hertz) noexcept
 {
-    sampleRate = hertz > 0.0f && std::isfinite (hertz) ? hertz : 44100.0f;
+    sampleRate = hertz >= 1.0f && std::isfinite (hertz) ? hertz : 44100.0f;
 }
 
 int EngineBank::frameSizeFor (float sampleRate) noexcept { return frameChoiceFor (sampleRate).frameSize; }

@@ -39,7 +39,7 @@ struct BankRun
 class EngineBank
 {
 public:
-    /** @param hertz  the host's rate; anything that is not finite and above 0 is taken as 44100 */
+    /** @param hertz  the host's rate; anything that is not finite and at least 1 is taken as 44100 */
     void setSampleRate (float hertz) noexcept;
 
     /** Builds eight fresh engines and the dry lines for the stored sample rate. */

@@ -83,16 +83,15 @@ void EngineTables::buildOnsetThresholds (int binCount, float binsPerHz, float fr
 
 void EngineTables::buildLowBandWeights (int binCount, float binsPerHz)
 {
-    const auto fullBins = std::min (static_cast<int> (binsPerHz * lowBandFullHz), binCount);
-    const auto endBin = std::min (static_cast<int> (binsPerHz * lowBandEndHz), binCount);
+    const auto fullBins = static_cast<int> (binsPerHz * lowBandFullHz);
+    const auto endBin = static_cast<int> (binsPerHz * lowBandEndHz);
     const auto step = std::numbers::pi_v<float> / static_cast<float> (std::max (endBin - fullBins, 1));
 
     lowBandWeight = zeros (binCount);
-    std::fill_n (lowBandWeight.begin(), fullBins, 1.0f);
 
-    for (int k = fullBins; k < endBin; ++k)
+    for (int k = 0; k < std::min (endBin, binCount); ++k)
         lowBandWeight[static_cast<std::size_t> (k)] =
-            (std::cos (static_cast<float> (k - fullBins) * step) + 1.0f) * 0.5f;
+            k < fullBins ? 1.0f : (std::cos (static_cast<float> (k - fullBins) * step) + 1.0f) * 0.5f;
 }
 
 void EngineTables::buildEnvelopeCoefficients (int binCount)

@@ -8,7 +8,7 @@ namespace tarvelline
 namespace
 {
 constexpr double referenceRate = 44100.0; // Hz: the rate that the wheels' per-sample constants are written for
-constexpr double highestRate = 1.0e9;     // Hz: what a host gives above it (or not above 0) is no rate
+constexpr double lowestRate = 1.0, highestRate = 1.0e9; // Hz: what a host gives beyond these is no rate
 } // namespace
 
 TarvellineAudioProcessor::TarvellineAudioProcessor()
@@ -38,7 +38,7 @@ bool TarvellineAudioProcessor::isBusesLayoutSupported (const BusesLayout& layout
 
 void TarvellineAudioProcessor::prepareToPlay (double newSampleRate, int)
 {
-    const auto rate = newSampleRate > 0.0 && newSampleRate <= highestRate ? newSampleRate : referenceRate;
+    const auto rate = newSampleRate >= lowestRate && newSampleRate <= highestRate ? newSampleRate : referenceRate;
     const auto timeScale = static_cast<float> (referenceRate / rate);
 
     mainWheel.timeScale = timeScale;

@@ -11,6 +11,7 @@
 #include <cfenv>
 #include <cmath>
 #include <limits>
+#include <numbers>
 #include <ostream>
 #include <tuple>
 
@@ -185,6 +186,14 @@ TEST_P (EngineOnEach, SoundsAsTheScalarCodeInRunsOfAnyLength)
 TEST (EngineTables, BandLimitsAreTakenInSinglePrecision)
 {
     EXPECT_EQ (EngineTables (8192, 176400.0f * 1.0416667e-5f, 176400.0f).peakStartBin, 128.0f);
+}
+
+// A slope between the bands that goes on beyond the highest bin is cut there, and not made steeper to end there.
+TEST (EngineTables, ALowRateCutsTheSlopeBetweenTheBands)
+{
+    const EngineTables tables (2048, 1400.0f * 2.2675737e-5f, 1400.0f); // from bin 731 to where bin 1170 would be
+    EXPECT_EQ (tables.lowBandWeight[731], 1.0f);
+    EXPECT_NEAR (tables.lowBandWeight[1023], 0.5 + 0.5 * std::cos (std::numbers::pi * 292.0 / 439.0), 1.0e-4);
 }
 
 // The synthesis adds up its window index in single precision: rounding carries the end of the sum past N for half the spans,

@@ -79,7 +79,7 @@ TEST (Shell, PrepareKeepsTheWheelsAndEndsTheNotes)
 // A division by the rate that leaves a wheel, a fade or a table at infinity for good, or an index far outside a table.
 TEST (Shell, SurvivesAbsurdRates)
 {
-    for (const auto rate : { 0.0, -44100.0, std::nan (""), HUGE_VAL, 1.0e-300, 100.0, 1.0e9, 1.0e300 })
+    for (const auto rate : { 0.0, -44100.0, std::nan (""), HUGE_VAL, 1.0e-300, 1.0e-9, 100.0, 1.0e9, 1.0e300 })
     {
         SCOPED_TRACE (rate);
         ProcessorRig rig (rate);
