@@ -119,10 +119,12 @@ void AdvancePhases (const AnalysisBins& given)
                        for (std::size_t c = 0; c < bins.channelCount; ++c)
                        {
                            const auto& channel = bins.channels[c];
-                           const auto gain = hn::Div (
-                               one, hn::Add (hn::LoadU (d, channel.magnitude + k), hn::Set (d, denormalGuard)));
-                           const Complex phasor { hn::Mul (hn::LoadU (d, channel.spectrum + k), gain),
-                                                  hn::Mul (hn::LoadU (d, channel.spectrum + bins.binCount + k), gain) };
+                           const auto* spectrum = channel.spectrum + k;
+                           const auto size = hn::Add (hn::LoadU (d, channel.magnitude + k), hn::Set (d, denormalGuard));
+
+                           // Divided, not multiplied by a reciprocal: its rounding would add up in long tones.
+                           const Complex phasor { hn::Div (hn::LoadU (d, spectrum), size),
+                                                  hn::Div (hn::LoadU (d, spectrum + bins.binCount), size) };
                            const auto lastPhasor = pairs (channel.lastPhasor, bins.binCount);
                            auto turned = phasor * conjugate (load (d, lastPhasor, k));
 
