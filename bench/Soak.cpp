@@ -22,7 +22,8 @@ constexpr double rate = 48000.0;
 constexpr int largestBlock = 1024;               // samples
 constexpr float ceiling = 15.85f;                // +24 dBFS
 constexpr std::size_t allowedGrowth = 64 * 1024; // bytes, after the first minute
-constexpr int sourceLength = 60 * 48000;         // samples of partials, noise and clicks, played over and over
+constexpr int minute = 60 * 48000;               // samples
+constexpr int sourceLength = minute;             // of partials, noise and clicks, played over and over
 
 /** One instance, its random player and what was measured. */
 class Soak
@@ -37,7 +38,7 @@ public:
     /** @returns whether all went well */
     bool play (long long samples)
     {
-        for (long long minute = 60 * static_cast<long long> (rate); played < samples;)
+        while (played < samples)
         {
             playBlock();
 

@@ -22,8 +22,7 @@ struct HartleyTables
     int length = 0;              // N; 0 while there are no tables
     AlignedVector<float> first;  // stride 1: six rows of M/4: the real and imaginary parts of w, w squared, w cubed
     AlignedVector<float> second; // stride 4: the same, each turn four times, so that any vector width may load it
-    AlignedVector<float>
-        middle; // strides 16, 64 ...: six values a turn, pass after pass; then the radix-2 pass, two each
-    AlignedVector<float> split; // two rows of M/2: (cos +- sin) / 2 of 2 pi k / N: parts complex bins into real ones
+    AlignedVector<float> middle; // strides 16, 64 ...: six values a turn, pass after pass; then radix 2, two each
+    AlignedVector<float> split;  // two rows of M/2: (cos +- sin) / 2 of 2 pi k / N: parts complex bins into real ones
 };
 } // namespace tarvelline

@@ -21,6 +21,7 @@ std::unique_ptr<juce::AudioFormat> formatFor (const juce::File& target)
 
     throw UserError ("OUT: " + target.getFullPathName() + " should end in .wav, .aif, .aiff or .flac");
 }
+
 // The notes in a file, for another of the same kind: the kinds name theirs differently. A writer believes how many of each
 // there are said to be, and would make room for billions that a damaged file does not hold.
 juce::StringPairArray notesFor (const juce::AudioFormat& format, const juce::AudioFormatReader& source)
