@@ -25,6 +25,13 @@ const std::array<ParameterRow, 15> parameterTable { {
     { parameterId::midiOptions, "Toggle MIDI", 1.0f, 1.0f },
 } };
 
+int parameterIndex (juce::StringRef id) noexcept
+{
+    const auto row = std::find_if (parameterTable.begin(), parameterTable.end(),
+                                   [id] (const ParameterRow& other) { return id == juce::StringRef (other.id); });
+    return row != parameterTable.end() ? static_cast<int> (row - parameterTable.begin()) : -1;
+}
+
 double spanForRange (float selectorValue) noexcept
 {
     constexpr auto lastEntry = static_cast<float> (wheelRangeTable.size() - 1);

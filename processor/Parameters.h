@@ -39,6 +39,9 @@ inline constexpr auto midiOptions = "midiOptions";
 /** All parameters, in the order in which the host lists them. */
 extern const std::array<ParameterRow, 15> parameterTable;
 
+/** The place in parameterTable of the parameter with an ID; -1 if there is none. */
+int parameterIndex (juce::StringRef id) noexcept;
+
 /** Full travel of a wheel in semitones, end to end, for each value of a range selector. */
 inline constexpr std::array<double, 6> wheelRangeTable { 2.0, 4.0, 6.0, 12.0, 24.0, 48.0 };
 

@@ -98,10 +98,7 @@ std::vector<float> VectorCase::play (juce::AudioProcessor& processor, const std:
             if (words[0] == "param")
             {
                 // By its place in the list, since a module in a host does not tell its parameters' IDs.
-                const auto row = std::find_if (parameterTable.begin(), parameterTable.end(),
-                                               [&words] (auto& other) { return words[1] == other.id; });
-                processor.getParameters()[static_cast<int> (row - parameterTable.begin())]->setValueNotifyingHost (
-                    words[2].getFloatValue());
+                processor.getParameters()[parameterIndex (words[1])]->setValueNotifyingHost (words[2].getFloatValue());
             }
             else if (words[0] == "bypass")
                 bypassed = words[1] == "1";

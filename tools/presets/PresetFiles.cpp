@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/presets/PresetFiles.h"
 
-#include <juce_audio_processors/juce_audio_processors.h>
+#include "tools/render/HostedModule.h"
 
 #include <stdexcept>
 
@@ -9,42 +9,17 @@ namespace tarvelline::presets
 {
 namespace
 {
-/** Asks a module for its state as a preset file: its class and what it saves. */
-struct PresetSaver : juce::ExtensionsVisitor
-{
-    void visitVST3Client (const VST3Client& client) override { bytes = client.getPreset(); }
-    juce::MemoryBlock bytes;
-};
-
-std::unique_ptr<juce::AudioPluginInstance> load (const juce::File& module)
-{
-    juce::VST3PluginFormat format;
-    juce::OwnedArray<juce::PluginDescription> found;
-    juce::String reason = "no plug-in in it";
-    format.findAllTypesForFile (found, module.getFullPathName());
-    std::unique_ptr<juce::AudioPluginInstance> instance;
-
-    if (! found.isEmpty())
-        instance = format.createInstanceFromDescription (*found[0], 44100.0, 512, reason);
-
-    if (instance == nullptr)
-        throw std::runtime_error ((module.getFullPathName() + ": " + reason).toStdString());
-
-    return instance;
-}
-
 juce::MemoryBlock presetOf (const Preset& preset, const juce::File& module)
 {
-    const auto instance = load (module);
-    const auto& parameters = instance->getParameters();
+    std::vector<render::Setting> settings;
 
     // In the order of the table, ranges first: a change of range moves the wheel.
-    for (std::size_t i = 0; i < parameterTable.size(); ++i)
-        parameters[static_cast<int> (i)]->setValue (preset.values[i]);
+    for (std::size_t i = 0; i < preset.values.size(); ++i)
+        settings.push_back ({ static_cast<int> (i), preset.values[i] });
 
-    PresetSaver saver;
-    instance->getExtensions (saver);
-    return saver.bytes;
+    render::HostedModule instance (module);
+    instance.prepare (44100.0, 2, 512, settings); // a state is the same at every rate
+    return instance.getPreset();
 }
 } // namespace
 
@@ -55,7 +30,7 @@ void writePresetFiles (const std::vector<Preset>& table, const juce::File& modul
         const auto bytes = presetOf (preset, module);
         const auto file = folder.getChildFile (preset.name + ".vstpreset");
 
-        if (bytes.isEmpty() || ! folder.createDirectory() || ! file.replaceWithData (bytes.getData(), bytes.getSize()))
+        if (! folder.createDirectory() || ! file.replaceWithData (bytes.getData(), bytes.getSize()))
             throw std::runtime_error (("cannot write " + file.getFullPathName()).toStdString());
     }
 }

@@ -16,45 +16,32 @@ the controls by hand: the values stand below, ranges and shifts in semitones, th
 
 )";
 
-class Values
+juce::String cellsOf (const Preset& preset, const WheelParameters& wheel)
 {
-public:
-    explicit Values (const Preset& source) : preset (source) {}
+    const auto lastEntry = static_cast<float> (wheelRangeTable.size() - 1);
+    const auto span = spanForRange (std::round (preset.value (wheel.range) * lastEntry));
+    const auto shift = std::round ((static_cast<double> (preset.value (wheel.wheel)) - 0.5) * span * 100.0) / 100.0;
+    juce::String cells;
 
-    float get (const char* id) const { return preset.values[parameterIndex (id)]; }
+    for (const auto& cell :
+         { juce::String (span), (shift > 0.0 ? "+" : "") + juce::String (shift),
+           juce::String (preset.value (wheel.snap) != 0.0f ? "on" : "off"), juce::String (preset.value (wheel.gravity)),
+           juce::String (preset.value (wheel.inertia)), juce::String (preset.value (wheel.smooth)) })
+        cells << " " << cell << " |";
 
-    juce::String wheel (const char* range, const char* wheelId, const char* snap, const char* gravity,
-                        const char* inertia, const char* smooth) const
-    {
-        const auto span = spanForRange (std::round (get (range) * 5.0f));
-        const auto shift = std::round ((static_cast<double> (get (wheelId)) - 0.5) * span * 100.0) / 100.0;
-        juce::String cells;
-
-        for (const auto& cell : { juce::String (span), (shift > 0.0 ? "+" : "") + juce::String (shift),
-                                  juce::String (get (snap) != 0.0f ? "on" : "off"), juce::String (get (gravity)),
-                                  juce::String (get (inertia)), juce::String (get (smooth)) })
-            cells << " " << cell << " |";
-
-        return cells;
-    }
-
-private:
-    const Preset& preset;
-};
+    return cells;
+}
 
 juce::String rowOf (const Preset& preset)
 {
     using namespace parameterId;
-    const Values values (preset);
     juce::String row ("| " + preset.name + " |");
 
-    row << values.wheel (mainRange, mainWheelPar, mainSnap, mainGravityPar, mainInertiaPar, mainSmoothPar);
-    row << (values.get (toggleSize) != 0.0f
-                ? values.wheel (timbRange, timbWheelPar, timbSnap, timbGravityPar, timbInertiaPar, timbSmoothPar)
-                : " | | | | | |");
+    row << cellsOf (preset, pitchWheel)
+        << (preset.value (toggleSize) != 0.0f ? cellsOf (preset, timbreWheel) : " | | | | | |");
 
-    return row << " " << juce::String (values.get (mixerPar)) << " | "
-               << (values.get (midiOptions) != 0.0f ? "Single" : "Multi") << " |\n";
+    return row << " " << juce::String (preset.value (mixerPar)) << " | "
+               << (preset.value (midiOptions) != 0.0f ? "Single" : "Multi") << " |\n";
 }
 } // namespace
 

@@ -37,31 +37,25 @@ public:
         else if (key == "hear")
             preset.hear = value.toString();
         else if (key == "pitch")
-            readWheel (value, { mainRange, mainWheelPar, mainSnap, mainGravityPar, mainInertiaPar, mainSmoothPar });
+            readWheel (value, pitchWheel);
         else if (key == "timbre")
             readTimbre (value);
         else if (key == "mix")
-            set (mixerPar, amount (key, value));
+            preset.value (mixerPar) = amount (key, value);
         else if (key == "midi")
-            set (midiOptions, oneOf (key, value, "Single", "Multi"));
+            preset.value (midiOptions) = oneOf (key, value, "Single", "Multi");
         else if (key != "name")
             throw fault (preset.name, "\"" + key + "\" is not a word of the table");
     }
 
 private:
-    struct WheelIds
-    {
-        const char *range, *wheel, *snap, *gravity, *inertia, *smooth;
-    };
-
     void readTimbre (const juce::var& section)
     {
-        using namespace parameterId;
-        readWheel (section, { timbRange, timbWheelPar, timbSnap, timbGravityPar, timbInertiaPar, timbSmoothPar });
-        set (toggleSize, 1.0f);
+        readWheel (section, timbreWheel);
+        preset.value (parameterId::toggleSize) = 1.0f;
     }
 
-    void readWheel (const juce::var& section, const WheelIds& ids)
+    void readWheel (const juce::var& section, const WheelParameters& ids)
     {
         const double range = section["range"], shift = section["shift"];
         const auto entry = std::find (wheelRangeTable.begin(), wheelRangeTable.end(), range);
@@ -73,12 +67,12 @@ private:
             throw fault (preset.name, "the range does not reach a shift of " + section["shift"].toString());
 
         const auto lastEntry = static_cast<float> (wheelRangeTable.size() - 1);
-        set (ids.range, static_cast<float> (entry - wheelRangeTable.begin()) / lastEntry);
-        set (ids.wheel, static_cast<float> (shift / range + 0.5));
-        set (ids.snap, oneOf ("snap", section["snap"], "on", "off"));
-        set (ids.gravity, amount ("gravity", section["gravity"]));
-        set (ids.inertia, amount ("inertia", section["inertia"]));
-        set (ids.smooth, amount ("smooth", section["smooth"]));
+        preset.value (ids.range) = static_cast<float> (entry - wheelRangeTable.begin()) / lastEntry;
+        preset.value (ids.wheel) = static_cast<float> (shift / range + 0.5);
+        preset.value (ids.snap) = oneOf ("snap", section["snap"], "on", "off");
+        preset.value (ids.gravity) = amount ("gravity", section["gravity"]);
+        preset.value (ids.inertia) = amount ("inertia", section["inertia"]);
+        preset.value (ids.smooth) = amount ("smooth", section["smooth"]);
     }
 
     float amount (const juce::String& key, const juce::var& value) const
@@ -98,18 +92,13 @@ private:
         return value == juce::var (on) ? 1.0f : 0.0f;
     }
 
-    void set (const char* id, float value) { preset.values[parameterIndex (id)] = value; }
-
     Preset& preset;
 };
 } // namespace
 
-std::size_t parameterIndex (const juce::String& id)
-{
-    const auto row =
-        std::find_if (parameterTable.begin(), parameterTable.end(), [&id] (auto& other) { return id == other.id; });
-    return static_cast<std::size_t> (row - parameterTable.begin());
-}
+float& Preset::value (const char* id) { return values[static_cast<std::size_t> (parameterIndex (id))]; }
+
+float Preset::value (const char* id) const { return values[static_cast<std::size_t> (parameterIndex (id))]; }
 
 std::vector<Preset> readPresetTable (const juce::File& file)
 {

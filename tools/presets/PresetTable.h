@@ -10,8 +10,18 @@
 
 namespace tarvelline::presets
 {
-/** The place of a parameter in parameterTable, which has it. */
-std::size_t parameterIndex (const juce::String& id);
+/** The parameters of one wheel, by their IDs. */
+struct WheelParameters
+{
+    const char *range, *wheel, *snap, *gravity, *inertia, *smooth;
+};
+
+inline constexpr WheelParameters pitchWheel { parameterId::mainRange,      parameterId::mainWheelPar,
+                                              parameterId::mainSnap,       parameterId::mainGravityPar,
+                                              parameterId::mainInertiaPar, parameterId::mainSmoothPar };
+inline constexpr WheelParameters timbreWheel { parameterId::timbRange,      parameterId::timbWheelPar,
+                                               parameterId::timbSnap,       parameterId::timbGravityPar,
+                                               parameterId::timbInertiaPar, parameterId::timbSmoothPar };
 
 /** One factory preset. */
 struct Preset
@@ -19,6 +29,10 @@ struct Preset
     juce::String name;                               // of the file too
     juce::String play, hear;                         // what to play into it, and what comes of that
     std::array<float, parameterTable.size()> values; // normalised, in the order of parameterTable
+
+    /** The value of a parameter in parameterTable. */
+    float& value (const char* id);
+    float value (const char* id) const;
 };
 
 /** Reads resources/presets.json, in which semitones and switches stand as the window shows them. What a preset does not name

@@ -9,18 +9,12 @@
 
 namespace tarvelline::render
 {
-/** The plug-in to load. Throws UserError when it is nowhere.
-    @param asked  a module; juce::File() for the first found: the one built with this program, the one installed with it,
-                  then those of this user and of the machine */
-juce::File findModule (const juce::File& asked);
-
 /** The built plug-in module, loaded and driven through its VST3 interface as a host does. Message thread only. */
 class HostedModule
 {
 public:
-    /** Throws UserError when there is no such module, or another plug-in in its place.
-        @param asked  as for findModule() */
-    explicit HostedModule (const juce::File& asked);
+    /** Throws UserError when the file is no module, or another plug-in's. */
+    explicit HostedModule (const juce::File& file);
 
     /** Makes it ready to play from rest, with the settings in force from the first sample on.
         @param channels  1 or 2, in and out */

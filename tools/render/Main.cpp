@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/render/Errors.h"
-#include "tools/render/HostedModule.h"
+#include "tools/render/FindModule.h"
 #include "tools/render/Options.h"
 #include "tools/render/Presets.h"
 #include "tools/render/RenderFile.h"

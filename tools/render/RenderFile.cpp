@@ -5,6 +5,8 @@
 #include "tools/render/Errors.h"
 #include "tools/render/Figure.h"
 #include "tools/render/Files.h"
+#include "tools/render/FindModule.h"
+#include "tools/render/HostedModule.h"
 #include "tools/render/Presets.h"
 #include "tools/render/Recording.h"
 #include "tools/render/Renderer.h"
@@ -102,7 +104,7 @@ void renderFile (const Options& asked, Task task)
     const auto messages = options.midi == juce::File() ? std::vector<TimedMessage>() : readMidi (options.midi);
     const auto settings = startingSettings (options);
 
-    HostedModule module (options.module);
+    HostedModule module (findModule (options.module));
     module.prepare (in->sampleRate, static_cast<int> (in->numChannels), options.blockSize, settings);
 
     std::optional<ShiftTrace> trace;
@@ -149,7 +151,7 @@ void saveStateOnly (const Options& asked)
     checkTargets (options, none);
 
     constexpr double anyRate = 44100.0; // a state is the same at every rate
-    HostedModule module (options.module);
+    HostedModule module (findModule (options.module));
     module.prepare (anyRate, 2, options.blockSize, startingSettings (options));
 
     NewFile state ("--save-state", options.savedState);

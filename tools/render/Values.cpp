@@ -4,7 +4,6 @@
 #include "processor/Parameters.h"
 #include "tools/render/Errors.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <string>
@@ -13,12 +12,6 @@ namespace tarvelline::render
 {
 namespace
 {
-auto findParameter (juce::StringRef id)
-{
-    return std::find_if (parameterTable.begin(), parameterTable.end(),
-                         [&] (const ParameterRow& row) { return id == juce::StringRef (row.id); });
-}
-
 juce::String allParameterIds()
 {
     juce::StringArray ids;
@@ -45,9 +38,9 @@ std::optional<double> parseNumber (const juce::String& text)
 
 Setting parseSetting (const juce::String& place, const juce::String& id, const juce::String& value)
 {
-    const auto row = findParameter (id);
+    const auto parameter = parameterIndex (id);
 
-    if (row == parameterTable.end())
+    if (parameter < 0)
         throw UserError (place + ": there is no parameter \"" + id + "\"; there are " + allParameterIds());
 
     const auto number = parseNumber (value);
@@ -55,13 +48,6 @@ Setting parseSetting (const juce::String& place, const juce::String& id, const j
     if (! number || *number < 0.0 || *number > 1.0)
         throw UserError (place + ": \"" + value + "\" is no value for " + id + "; give a number from 0 to 1");
 
-    return { static_cast<int> (row - parameterTable.begin()), static_cast<float> (*number) };
-}
-
-int parameterIndex (juce::StringRef id)
-{
-    const auto row = findParameter (id);
-    jassert (row != parameterTable.end());
-    return static_cast<int> (row - parameterTable.begin());
+    return { parameter, static_cast<float> (*number) };
 }
 } // namespace tarvelline::render

@@ -21,7 +21,4 @@ std::optional<double> parseNumber (const juce::String& text);
     a number from 0 to 1.
     @param place  where it was asked for, to begin the message with */
 Setting parseSetting (const juce::String& place, const juce::String& id, const juce::String& value);
-
-/** The index of a parameter that exists. */
-int parameterIndex (juce::StringRef id);
 } // namespace tarvelline::render
