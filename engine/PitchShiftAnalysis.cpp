@@ -2,8 +2,6 @@
 // The analysis frame: what the input holds now, bin by bin, and how far each bin's phase has moved since the last frame.
 #include "engine/PitchShiftEngine.h"
 
-#include <cmath>
-
 namespace tarvelline
 {
 void PitchShiftEngine::analyseFrame() noexcept
@@ -17,9 +15,6 @@ void PitchShiftEngine::analyseFrame() noexcept
     kernels::measureBins (bins); // one lock count for all channels: they reset together and the stereo image holds
     spreadResetsOverPeaks();
     kernels::advancePhases (bins);
-
-    if (inputSpoilt && cleanRun == frameSize)
-        resumePhases();
 
     if (formantRatio != 1.0f)
         warpEnvelope();
@@ -42,36 +37,6 @@ void PitchShiftEngine::readWindowedInput() noexcept
         else
             kernels::readStraight (input, resources->tables.wideWindow.data(), frame, length);
     }
-}
-
-/** Takes note of how far each bin's output is turned against its input, as bad samples come in. */
-void PitchShiftEngine::keepPhaseOffsets() noexcept
-{
-    for (auto& channel : channelState)
-        for (std::size_t re = 0, im = lockCount.size(); re < lockCount.size(); ++re, ++im)
-        {
-            auto &synth = channel.synthPhasor, &last = channel.lastPhasor, &offset = channel.phaseOffset;
-            const auto x = synth[re] * last[re] + synth[im] * last[im], y = synth[im] * last[re] - synth[re] * last[im];
-            const auto length = std::sqrt (x * x + y * y);
-            const auto sounded = length > 0.5f; // of two phasors of length 1; in silence they are next to nothing
-            offset[re] = sounded ? x / length : 1.0f;
-            offset[im] = sounded ? y / length : 0.0f;
-        }
-}
-
-/** Turns each bin's output that far again against its input, now that this is clean. Otherwise what bad samples did to the
-    phases would last until the next onset: bins of one tone that drown each other, a channel that stays silent. */
-void PitchShiftEngine::resumePhases() noexcept
-{
-    inputSpoilt = false;
-
-    for (auto& channel : channelState)
-        for (std::size_t re = 0, im = lockCount.size(); re < lockCount.size(); ++re, ++im)
-        {
-            auto &synth = channel.synthPhasor, &last = channel.lastPhasor, &offset = channel.phaseOffset;
-            synth[re] = last[re] * offset[re] - last[im] * offset[im];
-            synth[im] = last[re] * offset[im] + last[im] * offset[re];
-        }
 }
 
 kernels::AnalysisBins PitchShiftEngine::analysisBins() noexcept

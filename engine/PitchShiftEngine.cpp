@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <bit>
 #include <cassert>
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <utility>
@@ -21,7 +20,6 @@ constexpr float minimumRatio = 1.0e-10f;
 constexpr float maximumRatio = 96.0f;
 constexpr float minimumFormantRatio = 0.001f; // in place of a negative one
 constexpr float loudestSample = 1.0e4f;       // +80 dBFS: no signal, and its square would soon leave single precision
-constexpr float audibleSample = 1.0e-6f;      // -120 dBFS
 
 /** Written so that a NaN, for which every comparison is false, ends at the lower bound. */
 float heldToRange (float ratio) noexcept
@@ -34,9 +32,14 @@ int scaledLength (int length, float factor) noexcept { return static_cast<int> (
 constexpr auto quietestBits = std::bit_cast<std::uint32_t> (std::numeric_limits<float>::min()); // of normal numbers
 constexpr auto loudestBits = std::bit_cast<std::uint32_t> (loudestSample);
 
-/** The bits of a sample's magnitude, which are in the order of the magnitudes: denormals below quietestBits, infinities and
-    NaNs above loudestBits. They tell denormals apart even where the processor is set to take these for 0. */
-std::uint32_t magnitudeBits (float sample) noexcept { return std::bit_cast<std::uint32_t> (sample) & 0x7fffffffu; }
+/** The sample, or 0 for what is none: an infinity would stay in the running phasors for ever, and denormals make arithmetic
+    slow. Goes by the bits of the magnitude, which are in the order of the magnitudes and tell denormals apart even where the
+    processor is set to take these for 0. */
+float soundSample (float sample) noexcept
+{
+    const auto magnitude = std::bit_cast<std::uint32_t> (sample) & 0x7fffffffu;
+    return magnitude >= quietestBits && magnitude <= loudestBits ? sample : 0.0f;
+}
 } // namespace
 
 void PitchShiftEngine::prepare (int frameLength, float frequencyScale, float sampleRate)
@@ -69,7 +72,7 @@ void PitchShiftEngine::prepare (std::shared_ptr<EngineResources> shared)
         for (auto* perBin : { &channel.magnitude, &channel.shapedMagnitude })
             perBin->resize (k);
 
-        for (auto* spectrum : { &channel.advance, &channel.lastPhasor, &channel.synthPhasor, &channel.phaseOffset })
+        for (auto* spectrum : { &channel.advance, &channel.lastPhasor, &channel.synthPhasor })
             spectrum->resize (n);
     }
 
@@ -105,8 +108,6 @@ void PitchShiftEngine::reset() noexcept
             clear (*buffer); // synthPhasor stays: with every bin unlocked the next frame overwrites it
 
     analysisCounter = synthesisCounter = 0;
-    cleanRun = frameSize;
-    inputSpoilt = false;
 }
 
 void PitchShiftEngine::setRatios (float pitchRatio, float newFormantRatio) noexcept
@@ -155,7 +156,6 @@ void PitchShiftEngine::exchangeSamples (const EngineRun& run, int first, int cou
     }
 
     unityRun = std::min (unityRun, frameSize);
-    auto lastBad = -1, lastDenormal = -1;
 
     for (int c = 0; c < channelCount; ++c)
     {
@@ -164,32 +164,10 @@ void PitchShiftEngine::exchangeSamples (const EngineRun& run, int first, int cou
         auto* ring = channel.inRing.data() + inPos;
 
         for (int i = 0; i < count; ++i)
-        {
-            // An infinity would stay in the running phasors for ever, and denormals make arithmetic slow.
-            const auto magnitude = magnitudeBits (in[i]);
-            ring[i] = ring[i + frameSize] = magnitude >= quietestBits && magnitude <= loudestBits ? in[i] : 0.0f;
-            lastBad = magnitude > loudestBits ? std::max (lastBad, i) : lastBad;
-            lastDenormal = magnitude != 0 && magnitude < quietestBits ? std::max (lastDenormal, i) : lastDenormal;
-        }
+            ring[i] = ring[i + frameSize] = soundSample (in[i]);
 
         std::copy_n (channel.outRing.data() + ((outPos - frameSize) & outRingMask), count, run.out[c] + first);
     }
-
-    // Denormals are silence, as of a tail that dies away. In one channel alone they are a fault of what made them.
-    if (lastDenormal > lastBad && someChannelSounds (inPos + lastDenormal))
-        lastBad = lastDenormal;
-
-    if (lastBad >= 0 && ! std::exchange (inputSpoilt, true))
-        keepPhaseOffsets();
-
-    cleanRun = std::min ((lastBad >= 0 ? 0 : cleanRun) + count - 1 - lastBad, frameSize);
-}
-
-bool PitchShiftEngine::someChannelSounds (int position) const noexcept
-{
-    return std::any_of (channelState.begin(), channelState.begin() + channelCount,
-                        [=] (const Channel& channel)
-                        { return std::abs (channel.inRing[static_cast<std::size_t> (position)]) > audibleSample; });
 }
 
 /** Moves the cursors on, and makes the frames that are due. */

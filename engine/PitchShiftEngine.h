@@ -83,13 +83,11 @@ private:
         AlignedVector<float> magnitude; // K: of the last analysis frame
         AlignedVector<float> shapedMagnitude;                  // K: with the envelope warped
         AlignedVector<float> advance, lastPhasor, synthPhasor; // N: unit phasors, pair layout
-        AlignedVector<float> phaseOffset; // N, the same: synthPhasor against lastPhasor, before bad samples came in
     };
 
     // Samples in and out (PitchShiftEngine.cpp)
     int samplesToBoundary() const noexcept;
     void exchangeSamples (const EngineRun&, int first, int count) noexcept;
-    bool someChannelSounds (int position) const noexcept;
     void advance (int samples) noexcept;
 
     // Ratio and geometry (PitchShiftEngine.cpp)
@@ -102,8 +100,6 @@ private:
     void analyseFrame() noexcept;
     void readWindowedInput() noexcept;
     void spreadResetsOverPeaks() noexcept;
-    void keepPhaseOffsets() noexcept;
-    void resumePhases() noexcept;
     int resetUpwards (int bin) noexcept;
     void resetDownwards (int bin, float lowestBin) noexcept;
     void warpEnvelope() noexcept;
@@ -139,8 +135,6 @@ private:
 
     AlignedVector<float> ratioHistory; // 2 N, as inRing: the ratio asked for at every input position
     int unityRun = 0;                  // samples, at most N, for which that ratio has been exactly 1
-    int cleanRun = 0;                  // samples, at most N, since the last that was of no signal
-    bool inputSpoilt = false;          // by that one: still in the input, or the phases not yet resumed after it
     AlignedVector<float> lockCount;    // K: frames for which a bin has stayed stable; 0 = phase reset
     AlignedVector<float> magnitudeSum; // K: over channels, in the last analysis frame
 
