@@ -66,23 +66,14 @@ void TarvellineAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer,
     {
         Run run { buffer, done, std::min (buffer.getNumSamples() - done, longestRun) };
 
-        if (event != lastEvent) // one a sample, whatever its own position in the block, between the parts of a step
+        if (event != lastEvent) // one a sample, whatever its own position in the block
         {
             run.count = 1;
-            smoothTarget (mainWheel, mainPosition);
-            smoothTarget (timbWheel, timbPosition);
             handleNextEvent();
-            movePoint (mainWheel);
-            movePoint (timbWheel);
-            run.pitch[0] = mainWheel.semitones;
-            run.timbre[0] = timbWheel.semitones;
-        }
-        else
-        {
-            moveWheel (mainWheel, mainPosition, run.pitch.data(), run.count);
-            moveWheel (timbWheel, timbPosition, run.timbre.data(), run.count);
         }
 
+        moveWheel (mainWheel, mainPosition, run.pitch.data(), run.count);
+        moveWheel (timbWheel, timbPosition, run.timbre.data(), run.count);
         shiftRun (run);
         mixRun (run, mix);
         done += run.count;

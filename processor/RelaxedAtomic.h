@@ -6,10 +6,7 @@
 namespace tarvelline
 {
 /** A word that the audio thread and the message thread share: reads and writes are relaxed atomic operations, which cost
-    what plain ones do. Each word stands alone: nothing is promised about the order in which two of them are seen.
-
-    `x += y` is a load and a store, not one step: fit for a word with one writer, or where losing one of two writes
-    made at the same moment is harmless. */
+    what plain ones do. Each word stands alone: nothing is promised about the order in which two of them are seen. */
 template <typename Type>
 class RelaxedAtomic
 {
@@ -27,9 +24,6 @@ public:
         value.store (newValue, std::memory_order_relaxed);
         return newValue;
     }
-
-    Type operator+= (Type difference) noexcept { return *this = get() + difference; }
-    Type operator-= (Type difference) noexcept { return *this = get() - difference; }
 
 private:
     static_assert (std::atomic<Type>::is_always_lock_free);

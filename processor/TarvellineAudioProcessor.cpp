@@ -9,6 +9,18 @@ namespace
 {
 constexpr double referenceRate = 44100.0; // Hz: the rate that the wheels' per-sample constants are written for
 constexpr double lowestRate = 1.0, highestRate = 1.0e9; // Hz: what a host gives beyond these is no rate
+
+/** Waits for the block that runs and keeps further ones out while it lives. */
+class Pause
+{
+public:
+    explicit Pause (juce::AudioProcessor& p) : processor (p) { processor.suspendProcessing (true); }
+    ~Pause() { processor.suspendProcessing (wasSuspended); }
+
+private:
+    juce::AudioProcessor& processor;
+    const bool wasSuspended = processor.isSuspended();
+};
 } // namespace
 
 TarvellineAudioProcessor::TarvellineAudioProcessor()
@@ -38,6 +50,7 @@ bool TarvellineAudioProcessor::isBusesLayoutSupported (const BusesLayout& layout
 
 void TarvellineAudioProcessor::prepareToPlay (double newSampleRate, int)
 {
+    const Pause pause (*this); // a careless host prepares amid a block
     const auto rate = newSampleRate >= lowestRate && newSampleRate <= highestRate ? newSampleRate : referenceRate;
     const auto timeScale = static_cast<float> (referenceRate / rate);
 
@@ -69,12 +82,10 @@ void TarvellineAudioProcessor::refreshWheel (WheelRecord& wheel, juce::StringRef
                                              juce::StringRef inertiaId, juce::StringRef gravityId,
                                              juce::StringRef smoothId)
 {
-    wheel.target = currentValue (parameters, wheelId);
-    setRange (wheel, spanForRange (currentValue (parameters, rangeId)));
     setInertia (wheel, currentValue (parameters, inertiaId));
     setGravity (wheel, currentValue (parameters, gravityId));
     setSmooth (wheel, currentValue (parameters, smoothId));
-    reanchor (wheel);
+    placeWheel (wheel, currentValue (parameters, wheelId), spanForRange (currentValue (parameters, rangeId)));
 }
 
 void TarvellineAudioProcessor::parameterChanged (const juce::String& parameterID, float newValue)

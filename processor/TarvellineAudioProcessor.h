@@ -29,7 +29,8 @@ public:
 
     const juce::String getName() const override { return "Tarvelline"; }
 
-    /** Builds the engines for the rate, at rest where the wheels' parameters stand. The block size is not used. */
+    /** Builds the engines for the rate, at rest where the wheels' parameters stand. The block size is not used. Blocks that a
+        host plays meanwhile, under the callback lock as wrappers do, are silent. */
     void prepareToPlay (double newSampleRate, int samplesPerBlock) override;
     void releaseResources() override {}
 

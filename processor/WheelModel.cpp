@@ -25,12 +25,20 @@ constexpr double restVelocity = 1.0e-6;
 /** A NaN in a coefficient would stay in the point when the coefficient is right again. */
 double numberOrZero (double amount) noexcept { return std::isnan (amount) ? 0.0 : amount; }
 
+/** What may be asked of the thread that moves a wheel, in the order in which that does it. */
+enum Request : unsigned
+{
+    atPosition = 1, // take askedPosition for the target
+    onSpan = 2,     // change to askedSpan
+    atRest = 4      // rest at the target
+};
+
 /** A wheel in motion, taken out of the record that other threads see. */
 struct Motion
 {
     explicit Motion (const WheelRecord& wheel) noexcept
         : target (wheel.target), follower (wheel.follower), velocity (wheel.velocity), point (wheel.point),
-          share (wheel.timeScale * targetShare), offset (wheel.inverseSpan * wheel.midiOffset),
+          share (wheel.timeScale * targetShare), offset (1.0 / wheel.span * wheel.midiOffset),
           slewStep (wheel.slewStep), acceleration (wheel.acceleration), pull (wheel.pull), span (wheel.span)
     {
     }
@@ -69,8 +77,9 @@ struct Motion
                && point == other.point;
     }
 
-    void storePoint (WheelRecord& wheel) const noexcept
+    void storeIn (WheelRecord& wheel) const noexcept
     {
+        wheel.target = target;
         wheel.follower = follower;
         wheel.velocity = velocity;
         wheel.point = point;
@@ -80,74 +89,109 @@ struct Motion
     double target, follower, velocity, point;
     const double share, offset, slewStep, acceleration, pull, span;
 };
+
+double ratioOfSpans (double oldSpan, double newSpan) noexcept
+{
+    return oldSpan > 0.0 ? oldSpan * (1.0 / newSpan) : 1.0;
+}
+
+void restAt (WheelRecord& wheel, double position) noexcept
+{
+    wheel.target = wheel.follower = wheel.point = position + 1.0 / wheel.span * wheel.midiOffset;
+    wheel.velocity = 0.0;
+}
+
+void changeSpan (WheelRecord& wheel, double newSpan) noexcept
+{
+    double position = wheel.target;
+
+    if (wheel.span > 0.0)
+        position = std::clamp ((position - centre) * ratioOfSpans (wheel.span, newSpan) + centre, 0.0, 1.0);
+
+    wheel.span = newSpan;
+    restAt (wheel, position);
+}
+
+/** Does what was asked; for the thread that has the wheel. */
+void fulfilRequests (WheelRecord& wheel) noexcept
+{
+    const auto requests = wheel.requests.exchange (0);
+
+    if (requests & atPosition)
+        wheel.target = wheel.askedPosition.load();
+
+    if (requests & onSpan)
+        changeSpan (wheel, wheel.askedSpan);
+
+    if (requests & atRest)
+        restAt (wheel, wheel.target);
+}
+
+/** @returns whether the wheel is this thread's now, up to letGo() */
+bool take (WheelRecord& wheel) noexcept { return ! wheel.inMotion.exchange (true); }
+
+void letGo (WheelRecord& wheel) noexcept { wheel.inMotion = false; }
+
+/** Does what is asked, unless another thread has the wheel: that one will, since it calls this after it has let go. */
+void attend (WheelRecord& wheel) noexcept
+{
+    while (wheel.requests != 0 && take (wheel))
+    {
+        fulfilRequests (wheel);
+        letGo (wheel);
+    }
+}
+
+void ask (WheelRecord& wheel, unsigned requests) noexcept
+{
+    wheel.requests |= requests;
+    attend (wheel);
+}
 } // namespace
 
 void setGravity (WheelRecord& wheel, double amount) noexcept
 {
-    amount = numberOrZero (amount);
-    wheel.gravityAmount = std::min (std::pow (amount, 5.0) + minimumGravity, 1.0);
-    wheel.pull = std::min (wheel.gravityAmount * pullPerGravity * wheel.timeScale, 1.0);
+    const auto gravity = std::min (std::pow (numberOrZero (amount), 5.0) + minimumGravity, 1.0);
+    wheel.pull = std::min (gravity * pullPerGravity * wheel.timeScale, 1.0);
 }
 
 void setInertia (WheelRecord& wheel, double amount) noexcept
 {
-    amount = numberOrZero (amount);
-    wheel.inertiaAmount = amount;
-    wheel.acceleration = (amount * accelerationPerInertia + minimumAcceleration) * wheel.timeScale;
+    wheel.acceleration = (numberOrZero (amount) * accelerationPerInertia + minimumAcceleration) * wheel.timeScale;
 }
 
 void setSmooth (WheelRecord& wheel, double amount) noexcept
 {
-    amount = numberOrZero (amount);
-    const auto openness = 1.0 - amount;
+    const auto openness = 1.0 - numberOrZero (amount);
     const auto root = 2.0 - (1.0 - openness * openness * openness) * 1.7;
-
-    wheel.smoothAmount = amount;
     wheel.slewStep = root * root * root * root * slewUnit * wheel.timeScale;
 }
 
 double setRange (WheelRecord& wheel, double newSpan) noexcept
 {
-    const auto inverse = 1.0 / newSpan;
-    auto ratio = 1.0;
-    double position = wheel.target;
-
-    if (wheel.span > 0.0)
-    {
-        ratio = wheel.span * inverse;
-        position = std::clamp ((position - centre) * ratio + centre, 0.0, 1.0);
-    }
-
-    wheel.inverseSpan = inverse;
-    wheel.span = newSpan;
-    wheel.velocity = 0.0;
-    wheel.target = wheel.point = wheel.follower = position + inverse * wheel.midiOffset;
-    return ratio;
+    const auto oldSpan = wheel.askedSpan.exchange (newSpan);
+    ask (wheel, onSpan);
+    return ratioOfSpans (oldSpan, newSpan);
 }
 
-void reanchor (WheelRecord& wheel) noexcept
+void placeWheel (WheelRecord& wheel, double position, double newSpan) noexcept
 {
-    const auto position = wheel.target + wheel.inverseSpan * wheel.midiOffset;
-    wheel.target = wheel.point = wheel.follower = position;
-    wheel.velocity = 0.0;
+    wheel.askedPosition = position;
+    wheel.askedSpan = newSpan;
+    ask (wheel, atPosition | onSpan | atRest);
 }
 
-void smoothTarget (WheelRecord& wheel, double wheelValue) noexcept
-{
-    Motion motion (wheel);
-    motion.smooth (wheelValue);
-    wheel.target = motion.target;
-}
-
-void movePoint (WheelRecord& wheel) noexcept
-{
-    Motion motion (wheel);
-    motion.move();
-    motion.storePoint (wheel);
-}
+void reanchor (WheelRecord& wheel) noexcept { ask (wheel, atRest); }
 
 void moveWheel (WheelRecord& wheel, double wheelValue, float* semitones, int count) noexcept
 {
+    if (! take (wheel)) // it is just being put somewhere else
+    {
+        std::fill_n (semitones, count, wheel.semitones.get());
+        return;
+    }
+
+    fulfilRequests (wheel);
     Motion motion (wheel);
 
     for (int i = 0; i < count; ++i)
@@ -164,7 +208,8 @@ void moveWheel (WheelRecord& wheel, double wheelValue, float* semitones, int cou
         }
     }
 
-    wheel.target = motion.target;
-    motion.storePoint (wheel);
+    motion.storeIn (wheel);
+    letGo (wheel);
+    attend (wheel);
 }
 } // namespace tarvelline

@@ -197,7 +197,7 @@ TEST (MidiModeButton, RestartsTheFadeInOnlyForSingle)
 TEST (Knob, ShapesItsWheelAtOnce)
 {
     for (const auto& [knob, value, field, expected] :
-         { std::tuple { "GravitySlider", 0.8, &WheelRecord::gravityAmount, 0.32968 },
+         { std::tuple { "GravitySlider", 0.8, &WheelRecord::pull, 1.31872e-3 },
            { "InertiaSlider", 0.8, &WheelRecord::acceleration, 8.5e-9 },
            { "SmoothSlider", 0.5, &WheelRecord::slewStep, 6.8988306e-6 } })
     {

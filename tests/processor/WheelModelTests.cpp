@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
+#include <thread>
 #include <tuple>
 
 namespace tarvelline::test
@@ -51,8 +53,8 @@ TEST_P (WheelAtRate, FollowsAJumpInTheSameTime)
     setInertia (wheel, 0.5);
     setGravity (wheel, 0.5);
     setSmooth (wheel, 0.0);
-    smoothTarget (wheel, 1.0);
-    movePoint (wheel);
+    float semitones = 0.0f;
+    moveWheel (wheel, 1.0, &semitones, 1);
     EXPECT_NEAR (wheel.target, 0.5 + 2.5e-3 * t, 1.0e-15);
     EXPECT_NEAR (wheel.follower, 0.5 + 1.6e-3 * t, 1.0e-15);
     EXPECT_NEAR (wheel.velocity, 5.5e-9 * t, 1.0e-20);
@@ -62,8 +64,7 @@ TEST_P (WheelAtRate, FollowsAJumpInTheSameTime)
 
     for (auto before = wheel.follower.get(); wheel.follower < 0.99; ++samples, before = wheel.follower)
     {
-        smoothTarget (wheel, 1.0);
-        movePoint (wheel);
+        moveWheel (wheel, 1.0, &semitones, 1);
         ASSERT_LE (wheel.follower - before, 1.6e-3 * t + 1.0e-15);
     }
 
@@ -134,6 +135,88 @@ TEST (Wheel, AddsTheTranspositionAtEveryRest)
     rig.set (mainRange, 4.0f); // and an eighth of 24
     EXPECT_DOUBLE_EQ (rig.processor.mainWheel.target, 0.5 + 3 * 0.125 + 2 * 0.125);
     EXPECT_DOUBLE_EQ (rig.processor.mainWheel.point, rig.processor.mainWheel.target);
+}
+
+/** A host's audio thread, which plays block after block as wrappers do: under the lock, and not while it is told to pause. */
+class AudioThread
+{
+public:
+    explicit AudioThread (ProcessorRig& r) : rig (r) {}
+    ~AudioThread()
+    {
+        ended = true;
+        thread.join();
+    }
+
+    void waitForBlocks (int count) const
+    {
+        for (const auto end = blocks + count; blocks < end;)
+            std::this_thread::yield();
+    }
+
+private:
+    void run()
+    {
+        for (; ! ended; ++blocks)
+        {
+            const juce::ScopedLock lock (rig.processor.getCallbackLock());
+
+            if (! rig.processor.isSuspended())
+                rig.playBlock (64);
+        }
+    }
+
+    ProcessorRig& rig;
+    std::atomic<bool> ended { false };
+    std::atomic<int> blocks { 0 };
+    std::thread thread { [this] { run(); } };
+};
+
+// A wheel that a restore has put somewhere, and that the audio thread then puts back to where its own copy was.
+TEST (Wheel, StaysWhereARestoreHasPutItWhileAudioRuns)
+{
+    ProcessorRig rig;
+    std::array<juce::MemoryBlock, 2> states;
+
+    for (const auto upper : { 0u, 1u })
+    {
+        rig.set (mainRange, upper ? 4.0f : 1.0f);
+        rig.set (mainWheelPar, upper ? 0.75f : 0.125f);
+        rig.set (mainGravityPar, 0.0f);
+        rig.processor.getStateInformation (states[upper]);
+    }
+
+    rig.prepare();
+    const AudioThread audio (rig);
+    auto lost = 0;
+
+    for (int i = 0; i < 3000; ++i)
+    {
+        rig.set (mainWheelPar, 0.5f); // off it moves, slowly
+        audio.waitForBlocks (1);
+        const auto& state = states[static_cast<std::size_t> (i % 2)];
+        rig.processor.setStateInformation (state.getData(), static_cast<int> (state.getSize()));
+        audio.waitForBlocks (2);
+        lost += rig.processor.mainWheel.point == static_cast<double> (rig.get (mainWheelPar)) ? 0 : 1;
+    }
+
+    EXPECT_EQ (lost, 0);
+}
+
+// Engines that are built anew under a block that runs: a crash within seconds in a host that takes no lock itself.
+TEST (Prepare, KeepsBlocksOutWhileItBuilds)
+{
+    ProcessorRig rig;
+    rig.prepare();
+    const AudioThread audio (rig);
+
+    for (int i = 0; i < 100; ++i)
+    {
+        rig.processor.prepareToPlay (i % 2 == 0 ? 96000.0 : 44100.0, 512);
+        audio.waitForBlocks (1);
+    }
+
+    EXPECT_FALSE (rig.processor.isSuspended());
 }
 } // namespace
 } // namespace tarvelline::test
