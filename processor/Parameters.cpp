@@ -25,6 +25,23 @@ const std::array<ParameterRow, 15> parameterTable { {
     { parameterId::midiOptions, "Toggle MIDI", 1.0f, 1.0f },
 } };
 
+namespace
+{
+/** A parameter whose name stays its own in a host's narrow display: cut after eight letters two of them are "Timbre S". */
+class Parameter : public juce::AudioParameterFloat
+{
+public:
+    using juce::AudioParameterFloat::AudioParameterFloat;
+
+    juce::String getName (int maximumLength) const override
+    {
+        const auto space = name.indexOfChar (' ');
+        const auto abbreviated = name.length() > maximumLength && space > 0;
+        return (abbreviated ? name.substring (0, 1) + name.substring (space) : name).substring (0, maximumLength);
+    }
+};
+} // namespace
+
 int parameterIndex (juce::StringRef id) noexcept
 {
     const auto row = std::find_if (parameterTable.begin(), parameterTable.end(),
@@ -42,9 +59,9 @@ double spanForRange (float selectorValue) noexcept
 void createParameters (juce::AudioProcessorValueTreeState& parameters)
 {
     for (const auto& row : parameterTable)
-        parameters.createAndAddParameter (std::make_unique<juce::AudioParameterFloat> (
-            juce::ParameterID { row.id, 1 }, row.name, juce::NormalisableRange<float> (0.0f, row.rangeEnd),
-            row.defaultValue));
+        parameters.createAndAddParameter (
+            std::make_unique<Parameter> (juce::ParameterID { row.id, 1 }, row.name,
+                                         juce::NormalisableRange<float> (0.0f, row.rangeEnd), row.defaultValue));
 }
 
 BlockParameters::BlockParameters (const juce::AudioProcessorValueTreeState& parameters)

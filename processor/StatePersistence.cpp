@@ -4,9 +4,10 @@
 #include "processor/TarvellineAudioProcessor.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
+#include <iomanip>
 #include <limits>
+#include <locale>
+#include <sstream>
 #include <string_view>
 
 namespace tarvelline
@@ -63,17 +64,24 @@ bool isFitForParser (std::string_view text)
            && juce::CharPointer_UTF8::isValidString (text.data(), static_cast<int> (text.size()));
 }
 
-/** What the attribute's text begins with as a number; 0 if that is none, which "nan" and "inf" are not either. */
+/** Digits and a point, whatever the locale of the process. */
+juce::String textOfValue (double value)
+{
+    std::ostringstream text;
+    text.imbue (std::locale::classic());
+    text << std::fixed << std::setprecision (valueDecimals) << value;
+    return text.str();
+}
+
+/** What the attribute's text begins with as a number, however large; 0 if that is none, which "nan" and "inf" are not either. */
 float readValue (const juce::XmlElement& xml, juce::StringRef attribute)
 {
     constexpr double largest = std::numeric_limits<float>::max();
-    const auto text = xml.getStringAttribute (attribute).trimStart().toStdString();
-    const auto* start = text.data() + (text.starts_with ('+') ? 1 : 0);
+    std::istringstream text (xml.getStringAttribute (attribute).toStdString());
+    text.imbue (std::locale::classic());
     double value = 0.0;
-
-    // The framework's own reading overflows in a long exponent.
-    std::from_chars (start, text.data() + text.size(), value);
-    return std::isfinite (value) ? static_cast<float> (std::clamp (value, -largest, largest)) : 0.0f;
+    text >> value; // the framework's own reading overflows in a long exponent
+    return static_cast<float> (std::clamp (value, -largest, largest));
 }
 } // namespace
 
@@ -84,7 +92,7 @@ void TarvellineAudioProcessor::getStateInformation (juce::MemoryBlock& destData)
 
     for (const auto* parameter : getParameters())
         if (const auto* withId = dynamic_cast<const juce::AudioProcessorParameterWithID*> (parameter))
-            xml.setAttribute (withId->paramID, juce::String (static_cast<double> (withId->getValue()), valueDecimals));
+            xml.setAttribute (withId->paramID, textOfValue (withId->getValue()));
 
     writeEnvelope (xml, destData);
 }

@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <memory>
+#include <set>
 
 #include <malloc.h>
 
@@ -30,6 +31,21 @@ TEST (Shell, TakesMonoOrStereoAndNothingElse)
                        in == out && (in == 1 || in == 2))
                 << in << " to " << out;
         }
+}
+
+// Two parameters that a host with little room shows under one name.
+TEST (Shell, ParametersHaveNamesOfTheirOwnAtAnyLength)
+{
+    for (const auto length : { 4, 6, 8, 12, 100 })
+    {
+        ProcessorRig rig;
+        std::set<juce::String> names;
+
+        for (const auto* parameter : rig.processor.getParameters())
+            EXPECT_LE (names.insert (parameter->getName (length)).first->length(), length);
+
+        EXPECT_EQ (names.size(), 15u) << length;
+    }
 }
 
 // A limit on the wrong side (48000 and 96000 belong below), a latency that is not reported, or one that is not kept; and a

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <locale>
 #include <random>
 #include <tuple>
 
@@ -76,6 +77,29 @@ TEST (State, ComesBackExactlyAndAtOnce)
                    &WheelRecord::pull, &WheelRecord::acceleration, &WheelRecord::slewStep })
                 EXPECT_EQ (rig->processor.*wheel.*field, saved.processor.*wheel.*field);
     }
+}
+
+// Numbers with a decimal comma, which a host or another plug-in may have asked of the whole process: no reader finds their
+// decimals.
+TEST (State, KnowsNoLocale)
+{
+    struct Comma : std::numpunct<char>
+    {
+        char do_decimal_point() const override { return ','; }
+        char do_thousands_sep() const override { return '.'; }
+        std::string do_grouping() const override { return "\3"; }
+    };
+
+    StateRig saved, restored;
+    saved.disturb();
+    saved.processor.uiHeight = 1234;
+    const auto expected = saved.save();
+    const auto before = std::locale::global ({ std::locale::classic(), new Comma }); // which the locale owns
+    const auto withComma = saved.save();
+    restored.restore (withComma);
+    std::locale::global (before);
+    EXPECT_EQ (withComma, expected);
+    EXPECT_EQ (restored.save(), expected);
 }
 
 // A state of another version: what it does not name stays, but is announced like the rest; the height alone starts at 0.
@@ -151,6 +175,8 @@ TEST (State, ReadsOddNumbersAsZeroOrWithinTheRange)
                                                { "7.5", 1.0f, 7 },
                                                { "-3", 0.0f, -3 },
                                                { "1e300", 1.0f, 1 },
+                                               { "1e400", 1.0f, 1 },
+                                               { "-1e400", 0.0f, -1 },
                                                { "0.25 or so", 0.25f, 0 } })
     {
         SCOPED_TRACE (text);
