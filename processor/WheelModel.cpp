@@ -28,8 +28,8 @@ double numberOrZero (double amount) noexcept { return std::isnan (amount) ? 0.0 
 /** What may be asked of the thread that moves a wheel, in the order in which that does it. */
 enum Request : unsigned
 {
-    atPosition = 1, // take askedPosition for the target
-    onSpan = 2,     // change to askedSpan
+    onSpan = 1,     // change to askedSpan, and rest where the shift stays ...
+    atPosition = 2, // ... or at askedPosition
     atRest = 4      // rest at the target
 };
 
@@ -101,15 +101,13 @@ void restAt (WheelRecord& wheel, double position) noexcept
     wheel.velocity = 0.0;
 }
 
-void changeSpan (WheelRecord& wheel, double newSpan) noexcept
+/** Where the shift in semitones stays when the span changes, as far as the wheel's travel allows. */
+double positionOnSpan (const WheelRecord& wheel, double newSpan) noexcept
 {
-    double position = wheel.target;
+    if (wheel.span <= 0.0)
+        return wheel.target;
 
-    if (wheel.span > 0.0)
-        position = std::clamp ((position - centre) * ratioOfSpans (wheel.span, newSpan) + centre, 0.0, 1.0);
-
-    wheel.span = newSpan;
-    restAt (wheel, position);
+    return std::clamp ((wheel.target - centre) * ratioOfSpans (wheel.span, newSpan) + centre, 0.0, 1.0);
 }
 
 /** Does what was asked; for the thread that has the wheel. */
@@ -117,11 +115,13 @@ void fulfilRequests (WheelRecord& wheel) noexcept
 {
     const auto requests = wheel.requests.exchange (0);
 
-    if (requests & atPosition)
-        wheel.target = wheel.askedPosition.load();
-
     if (requests & onSpan)
-        changeSpan (wheel, wheel.askedSpan);
+    {
+        const double newSpan = wheel.askedSpan;
+        const auto position = requests & atPosition ? wheel.askedPosition.load() : positionOnSpan (wheel, newSpan);
+        wheel.span = newSpan;
+        restAt (wheel, position);
+    }
 
     if (requests & atRest)
         restAt (wheel, wheel.target);
@@ -178,7 +178,7 @@ void placeWheel (WheelRecord& wheel, double position, double newSpan) noexcept
 {
     wheel.askedPosition = position;
     wheel.askedSpan = newSpan;
-    ask (wheel, atPosition | onSpan | atRest);
+    ask (wheel, onSpan | atPosition | atRest);
 }
 
 void reanchor (WheelRecord& wheel) noexcept { ask (wheel, atRest); }

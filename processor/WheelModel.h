@@ -40,8 +40,8 @@ struct WheelRecord
     // What is asked of the thread that moves the wheel.
     std::atomic<bool> inMotion { false };      // one has it
     std::atomic<unsigned> requests { 0 };      // not yet done
-    std::atomic<double> askedPosition { 0.5 }; // where it is to rest
     std::atomic<double> askedSpan { -1.0 };    // the span that was chosen last
+    std::atomic<double> askedPosition { 0.5 }; // where the wheel is to rest on it
 };
 
 /** Gravity from its 0..1 setting, of which as of the other two a NaN counts as 0. */
@@ -57,7 +57,8 @@ void setSmooth (WheelRecord&, double amount) noexcept;
     @returns old span / new span, 1 when there was none */
 double setRange (WheelRecord&, double newSpan) noexcept;
 
-/** Puts the wheel to rest at a position, then setRange() and reanchor(), all in one. */
+/** Chooses the span and puts the wheel to rest at a position on it, with the MIDI offset added twice, as by setRange() and
+    reanchor(). */
 void placeWheel (WheelRecord&, double position, double newSpan) noexcept;
 
 /** Puts the wheel to rest at its target with the MIDI offset added. The offset adds up with every call; the smoothing of
