@@ -61,6 +61,34 @@ TEST (OutputGain, RisesOverAFifthOfASecond)
     }
 }
 
+// A dry share that dips, or that the mix sets while the dry signal hands over; and a hand-over that asks after one wheel.
+TEST (Mix, IsLinearAndHandsOverInFiftyMilliseconds)
+{
+    const auto input = sine (300.0, 44100.0, 0.5, 0.5);
+
+    for (const auto* wheel : { mainWheelPar, timbWheelPar })
+    {
+        const auto playAt = [&] (float mix)
+        {
+            ProcessorRig rig;
+            rig.set (mixerPar, mix);
+            rig.prepare();
+            rig.play (silence (4410)); // both wheels at rest: all dry
+            rig.set (wheel, 0.7f);
+            return rig.play (input, 1);
+        };
+        const auto dry = playAt (0.0f), wet = playAt (1.0f), mixed = playAt (0.4f);
+        EXPECT_LT (signalToDifferenceDb (wet, dry), 40.0) << wheel;
+
+        for (std::size_t i = 0; i < input.size(); ++i)
+        {
+            const auto share = std::max (1.0f - static_cast<float> (i + 1) / 2205.0f, 0.0f);
+            ASSERT_NEAR (mixed[i], 0.4f * (wet[i] - share * dry[i]) + std::max (0.6f, share) * dry[i], 1.0e-4f)
+                << i; // measured: 4e-5
+        }
+    }
+}
+
 // The timbre wheel that keeps swinging after it went out of use; or one that is stopped when it comes into use.
 TEST (ToggleSize, PutsTheTimbreWheelToRestWhenItGoesOff)
 {

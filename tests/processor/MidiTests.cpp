@@ -14,7 +14,7 @@ using namespace parameterId;
 /** A processor that is playing, in voice mode or transposing. */
 struct MidiRig : ProcessorRig
 {
-    explicit MidiRig (bool transpose)
+    explicit MidiRig (bool transpose, double sampleRate = 44100.0) : ProcessorRig (sampleRate)
     {
         set (midiOptions, transpose ? 1.0f : 0.0f);
         prepare();
@@ -155,6 +155,24 @@ TEST (Voices, AreEightAndNoneIsStolenOrRestarted)
     EXPECT_FALSE (rig.slots[1].active);
     rig.note (90, true);
     EXPECT_EQ (rig.slots[1].semitones, 30.0f) << "the lowest free slot";
+}
+
+// A fade counted in samples, or one that does not wait for the latency.
+TEST (Voices, FadeInAFifteenthOfASecond)
+{
+    for (const auto rate : { 44100.0, 96000.0, 192000.0 })
+    {
+        MidiRig rig (false, rate);
+        const auto half = static_cast<int> (rate / 30.0);
+        rig.note (60, true);
+        rig.playBlock (rig.processor.getLatencySamples() + half);
+        EXPECT_NEAR (rig.slots[0].level, 0.5, 1.0e-3) << rate;
+        rig.playBlock (2 * half);
+        EXPECT_EQ (rig.slots[0].level, 1.0f) << rate;
+        rig.note (60, false);
+        rig.playBlock (half);
+        EXPECT_NEAR (rig.slots[0].level, 0.5, 1.0e-3) << rate;
+    }
 }
 } // namespace
 } // namespace tarvelline::test

@@ -77,6 +77,10 @@ TEST (State, ComesBackExactlyAndAtOnce)
                    &WheelRecord::pull, &WheelRecord::acceleration, &WheelRecord::slewStep })
                 EXPECT_EQ (rig->processor.*wheel.*field, saved.processor.*wheel.*field);
     }
+
+    saved.set (midiOptions, 0.3f);
+    fresh.restore (saved.save());
+    EXPECT_TRUE (fresh.processor.midiTransposeMode) << "what is not 0 is on";
 }
 
 // Numbers with a decimal comma, which a host or another plug-in may have asked of the whole process: no reader finds their
@@ -134,6 +138,7 @@ TEST (State, RefusesWhatIsNotItsOwn)
                                       envelope ("<TARVELLINEVERSIONS uiHeight=\"1\" mixerPar=\"0\"/>"),
                                       envelope ("<OTHER><TARVELLINEVERSION mixerPar=\"0\"/></OTHER>"),
                                       envelope ("<TARVELLINEVERSION mixerPar=\"0\" uiHeight="),
+                                      envelope ("<!DOCTYPE x><TARVELLINEVERSION mixerPar=\"0\"/>"),
                                       envelope ("<TARVELLINEVERSION mixerPar=\"&0\"; x=\"\xd7\xcf\"/>") };
 
     std::string nested; // deeper than a parser that calls itself can go

@@ -44,34 +44,6 @@ TEST_P (WheelAtRate, ShapesItsSettings)
     EXPECT_EQ (wheel.pull, 1.0);
 }
 
-// A speed limit in samples instead of seconds, or none; a point that is moved before its follower, or pulled before it is
-// accelerated. The golden cases show the long run at two rates, this shows the first sample and the time at any.
-TEST_P (WheelAtRate, FollowsAJumpInTheSameTime)
-{
-    wheel.target = 0.5;
-    setRange (wheel, 12.0);
-    setInertia (wheel, 0.5);
-    setGravity (wheel, 0.5);
-    setSmooth (wheel, 0.0);
-    float semitones = 0.0f;
-    moveWheel (wheel, 1.0, &semitones, 1);
-    EXPECT_NEAR (wheel.target, 0.5 + 2.5e-3 * t, 1.0e-15);
-    EXPECT_NEAR (wheel.follower, 0.5 + 1.6e-3 * t, 1.0e-15);
-    EXPECT_NEAR (wheel.velocity, 5.5e-9 * t, 1.0e-20);
-    EXPECT_NEAR (wheel.point - 0.5, 5.5e-9 * t + (1.6e-3 - 5.5e-9) * t * 1.33e-4 * t, 1.0e-15);
-
-    auto samples = 1;
-
-    for (auto before = wheel.follower.get(); wheel.follower < 0.99; ++samples, before = wheel.follower)
-    {
-        moveWheel (wheel, 1.0, &semitones, 1);
-        ASSERT_LE (wheel.follower - before, 1.6e-3 * t + 1.0e-15);
-    }
-
-    // The target's own smoothing rules the end: ln 50 / 0.005 = 782 samples at 44.1 kHz.
-    EXPECT_NEAR (samples * 44100.0 / GetParam(), 782.0, 2.0);
-}
-
 INSTANTIATE_TEST_SUITE_P (Rates, WheelAtRate, testing::Values (44100.0, 88200.0, 192000.0),
                           [] (const auto& row) { return std::to_string (static_cast<int> (row.param)); });
 
