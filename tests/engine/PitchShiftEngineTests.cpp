@@ -261,7 +261,7 @@ TEST (PitchShiftEngine, WhatIsNoSampleCountsAsSilence)
         {
             auto input = material (44100), broken = input;
 
-            for (std::size_t i = 20000; const auto bad : { nan, infinity, -infinity, 1.0e30f, -1.0e5f })
+            for (std::size_t i = 20000; const auto bad : { nan, infinity, -infinity, 1.0e30f, -1.0e5f, 1.0e-39f })
             {
                 input[i] = 0.0f;
                 broken[i] = bad;
@@ -269,10 +269,7 @@ TEST (PitchShiftEngine, WhatIsNoSampleCountsAsSilence)
             }
 
             const auto expected = play (engineAt (ratio, formant), input);
-            constexpr auto restart = static_cast<std::size_t> (20000 + 2 * frame); // the input holds them until later
-            EXPECT_TRUE (sameBits (Signal (play (engineAt (ratio, formant), broken)).first (restart),
-                                   Signal (expected).first (restart)))
-                << ratio << ' ' << formant;
+            EXPECT_TRUE (sameBits (play (engineAt (ratio, formant), broken), expected)) << ratio << ' ' << formant;
 
             input[20000] = 1.0e4f;
             const auto loud = play (engineAt (ratio, formant), input);
