@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A file of any content, handed to each of tarvelline-render's readers: it is read, or refused with a message.
 #include "fuzz/Require.h"
-#include "tools/render/Errors.h"
-#include "tools/render/Recording.h"
-#include "tools/render/StateFile.h"
-#include "tools/render/Timeline.h"
+#include "render/events/Timeline.h"
+#include "render/options/Errors.h"
+#include "render/running/StateFile.h"
+#include "render/sound/Recording.h"
 
 #include <cstring>
 #include <string_view>

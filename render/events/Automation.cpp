@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "processor/Parameters.h"
+#include "render/events/Events.h"
+#include "render/options/Errors.h"
+
+#include <algorithm>
+#include <array>
+#include <tuple>
+
+namespace tarvelline::render
+{
+namespace
+{
+constexpr auto form = "seconds,parameterId,value";
+constexpr auto lineMark = "line";
+constexpr int longestQuote = 80; // characters of a line that a message repeats
+
+TimedSetting parseLine (const juce::String& place, const juce::String& line)
+{
+    auto fields = juce::StringArray::fromTokens (line, ",", "");
+    fields.trim();
+
+    const bool onLine = fields.size() == 4 && fields[3] == lineMark;
+
+    if (fields.size() != 3 && ! onLine)
+        throw UserError (place + ": \"" + line.substring (0, longestQuote) + "\" is not of the form " + form + " or "
+                         + form + "," + lineMark);
+
+    const auto seconds = parseNumber (fields[0]);
+
+    if (! seconds || *seconds < 0.0)
+        throw UserError (place + ": \"" + fields[0] + "\" is no time; give seconds from the start, 0 or more");
+
+    return { *seconds, parseSetting (place, fields[1], fields[2]), onLine };
+}
+
+bool comesBefore (const TimedSetting& a, const TimedSetting& b)
+{
+    return std::tie (a.seconds, a.setting.parameter) < std::tie (b.seconds, b.setting.parameter);
+}
+
+void checkLines (const juce::String& place, const std::vector<TimedSetting>& changes)
+{
+    std::array<bool, parameterTable.size()> begun {};
+
+    for (const auto& change : changes)
+    {
+        const auto parameter = static_cast<std::size_t> (change.setting.parameter);
+
+        if (change.onLine && ! begun[parameter])
+            throw UserError (place + ": the line of " + parameterTable[parameter].id + " to "
+                             + juce::String (change.seconds)
+                             + " s begins nowhere; give a value without \"line\" before it");
+
+        begun[parameter] = true;
+    }
+}
+} // namespace
+
+std::vector<TimedSetting> readAutomation (const juce::File& file)
+{
+    juce::MemoryBlock text;
+
+    if (! file.existsAsFile() || ! file.loadFileAsData (text))
+        throw UserError ("--automate: cannot read " + file.getFullPathName());
+
+    // Leaves out a byte order mark, and takes UTF-16 as well.
+    const auto lines = juce::StringArray::fromLines (
+        juce::String::createStringFromData (text.getData(), static_cast<int> (text.getSize())));
+    std::vector<TimedSetting> changes;
+    bool headerMayCome = true;
+
+    for (int i = 0; i < lines.size(); ++i)
+    {
+        const auto line = lines[i].upToFirstOccurrenceOf ("#", false, false).trim();
+
+        if (line.isEmpty())
+            continue;
+
+        if (! (headerMayCome && line.removeCharacters (" ").startsWithIgnoreCase (form)))
+            changes.push_back (parseLine (file.getFileName() + ", line " + juce::String (i + 1), line));
+
+        headerMayCome = false;
+    }
+
+    std::stable_sort (changes.begin(), changes.end(), comesBefore);
+    checkLines (file.getFileName(), changes);
+    return changes;
+}
+} // namespace tarvelline::render

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "render/options/Values.h"
+
+#include <vector>
+
+namespace tarvelline::render
+{
+/** A recording to render, and the file to make of it. */
+struct Task
+{
+    juce::File input, output;
+};
+
+/** What the command line asks for. A file that was not named is juce::File(). */
+struct Options
+{
+    enum class Action
+    {
+        render,
+        showHelp,
+        showVersion,
+        listPresets,
+        saveState // and render nothing
+    };
+
+    Action action = Action::render;
+    std::vector<Task> tasks;         // one at least, to render
+    int jobs = 1;                    // at once, of several tasks
+    std::vector<Setting> settings;   // in force from the first sample on, in the order given
+    std::optional<double> semitones; // already part of `settings`
+    juce::File midi, automation, module, plot, state, savedState, outputFolder;
+    juce::String preset, format = "wav"; // the format of files in outputFolder, by its ending
+    int blockSize = 512;                 // samples, the most that the module gets at once
+    int bits = 0; // of a sample: 16 or 24 = integer, 32 = float, 0 = the most that the format has
+};
+
+/** Reads the command line, without the program's name. Throws UserError for anything it does not know or accept; whether
+    the files can be read is found out later. */
+Options parseOptions (const juce::StringArray& arguments);
+
+juce::String helpText();
+} // namespace tarvelline::render

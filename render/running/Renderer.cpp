@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "render/running/Renderer.h"
+
+#include "render/options/Errors.h"
+#include "render/running/Terminal.h"
+
+namespace tarvelline::render
+{
+namespace
+{
+// Past the end of the recording comes silence.
+void readInput (juce::AudioFormatReader& in, juce::AudioBuffer<float>& buffer, std::int64_t start)
+{
+    if (! in.read (&buffer, 0, buffer.getNumSamples(), start, true, true))
+        throw UserError ("IN: cannot read on at sample " + juce::String (start));
+}
+} // namespace
+
+RenderResult renderRecording (juce::AudioFormatReader& in, HostedModule& module, Timeline timeline, int largestBlock,
+                              RecordingOutput& out, const std::function<void (const Block&)>& observe)
+{
+    const auto latency = module.getLatency();
+    const auto tail = latency;
+    const auto end = in.lengthInSamples + tail + latency;
+    const auto began = juce::Time::getMillisecondCounterHiRes();
+
+    juce::AudioBuffer<float> buffer (static_cast<int> (in.numChannels), largestBlock);
+    RenderResult result;
+    Progress progress;
+
+    for (std::int64_t position = 0; position < end;)
+    {
+        if (interrupted())
+            throw Interrupted();
+
+        const auto block =
+            timeline.blockAt (position, static_cast<int> (juce::jmin<std::int64_t> (largestBlock, end - position)));
+        buffer.setSize (buffer.getNumChannels(), block.length, false, false, true);
+        readInput (in, buffer, position);
+        module.process (buffer, block);
+
+        const auto skip = static_cast<int> (juce::jlimit<std::int64_t> (0, block.length, latency - position));
+        out.append (buffer, skip, block.length - skip);
+        result.peak = juce::jmax (result.peak, buffer.getMagnitude (skip, block.length - skip));
+        observe (block);
+        position += block.length;
+        progress.show (position, end);
+    }
+
+    result.seconds = (juce::Time::getMillisecondCounterHiRes() - began) / 1000.0;
+    result.unplayedEvents = timeline.eventsFrom (end);
+    return result;
+}
+} // namespace tarvelline::render
