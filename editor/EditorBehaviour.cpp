@@ -9,9 +9,10 @@ namespace tarvelline
 namespace
 {
 constexpr float fullAspectRatio =
-    1.77778f;                       // a little above 16 / 9, so that truncated widths come out whole: 288 -> 512
-constexpr int readOutTicks = 25;    // of the timer: 1.5 s
-constexpr int readOutDistance = 12; // pixels from a knob's top to the read-out's centre
+    1.77778f;                         // a little above 16 / 9, so that truncated widths come out whole: 288 -> 512
+constexpr int readOutTicks = 25;      // of the timer: 1.5 s
+constexpr int readOutDistance = 12;   // pixels from a knob's top to the read-out's centre
+constexpr double freeSemitones = 0.1; // of a wheel's step off its grid
 
 /** The steps of a range box: its span in semitones. No selection counts as the first entry. */
 double selectedSteps (const juce::ComboBox& box)
@@ -43,6 +44,7 @@ void TarvellineAudioProcessorEditor::applyPitchSnap (double steps)
 
     controls.pitchScaleSlider.snapTo = steps; // the scale shows the span even when snapping is off
     controls.mainWheelSlider.snapTo = grid;
+    controls.mainWheelSlider.freeStep = freeSemitones / steps;
     processor.bendSteps = grid;
 }
 
@@ -51,6 +53,7 @@ void TarvellineAudioProcessorEditor::applyTimbreSnap (double steps)
 {
     controls.timbreScaleSlider.snapTo = steps;
     controls.timbreWheelSlider.snapTo = controls.timbreSnapButton.getToggleState() ? steps : 0.0;
+    controls.timbreWheelSlider.freeStep = freeSemitones / steps;
 }
 
 void TarvellineAudioProcessorEditor::buttonClicked (juce::Button* button)
@@ -133,6 +136,17 @@ void TarvellineAudioProcessorEditor::showValueAbove (const juce::Slider& slider)
     label.setCentrePosition (slider.getX() + slider.getWidth() / 2, slider.getY() - readOutDistance);
     label.setVisible (true);
     valueLabelCountdown = readOutTicks;
+}
+
+/** The window itself holds the keyboard until Tab asks for a control, and hands back every other key. */
+bool TarvellineAudioProcessorEditor::keyPressed (const juce::KeyPress& key)
+{
+    if (! key.isKeyCode (juce::KeyPress::tabKey) || ! hasKeyboardFocus (false))
+        return false;
+
+    const auto stops = createKeyboardFocusTraverser()->getAllComponents (this);
+    (key.getModifiers().isShiftDown() ? stops.back() : stops.front())->grabKeyboardFocus();
+    return true;
 }
 
 int TarvellineAudioProcessorEditor::getControlParameterIndex (juce::Component& control)

@@ -60,6 +60,7 @@ TarvellineAudioProcessorEditor::TarvellineAudioProcessorEditor (TarvellineAudioP
     setOpaque (backgroundImage.isValid());
 
     setResizable (true, true);
+    leaveKeyboardToHost();
     applySizeMode();
     openAtStoredHeight();
     startTimer (timerMilliseconds);
@@ -228,6 +229,17 @@ void TarvellineAudioProcessorEditor::speakValues()
         wheel.valueFromTextFunction = [&span = steps] (const juce::String& text)
         { return text.getDoubleValue() / span + 0.5; };
     }
+}
+
+/** Controls take the keyboard by Tab alone, from the window, which holds it while none of them does. */
+void TarvellineAudioProcessorEditor::leaveKeyboardToHost()
+{
+    setWantsKeyboardFocus (true);
+    setFocusContainerType (FocusContainerType::keyboardFocusContainer); // Tab goes round without the window itself
+    setMouseClickGrabsKeyboardFocus (false);
+
+    for (auto* child : getChildren())
+        child->setMouseClickGrabsKeyboardFocus (false);
 }
 
 void TarvellineAudioProcessorEditor::openAtStoredHeight()

@@ -33,6 +33,7 @@ public:
 
     void paint (juce::Graphics&) override;
     void resized() override;
+    bool keyPressed (const juce::KeyPress&) override;
 
     /** Hides the value read-out when its time is over and repaints the keyboard when notes have changed; every 60 ms. */
     void timerCallback() override;
@@ -52,6 +53,7 @@ private:
     void listenToControls();
     void attachParameters();
     void speakValues();
+    void leaveKeyboardToHost();
     void openAtStoredHeight();
 
     // Behaviour (EditorBehaviour.cpp)

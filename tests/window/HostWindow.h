@@ -136,7 +136,29 @@ public:
         run (100);
     }
 
-    void click (juce::Point<int> at) { drag (at, at); }
+    /** A click, or with button 4 or 5 a notch of the mouse wheel, by a still hand. */
+    void click (juce::Point<int> at, unsigned button = 1)
+    {
+        moveMouse (at);
+        screen->pressMouse (true, button);
+        run (10);
+        screen->pressMouse (false, button);
+        run (10);
+    }
+
+    void type (const char* key)
+    {
+        screen->pressKey (key, true);
+        run (10);
+        screen->pressKey (key, false);
+        run (10);
+    }
+
+    void hold (const char* key, bool down)
+    {
+        screen->pressKey (key, down);
+        run (10);
+    }
 
     static constexpr int x = 60, y = 50, blockSize = 512; // the editor's place on the screen; samples
     static constexpr double rate = 44100.0;
