@@ -20,6 +20,13 @@ double selectedSteps (const juce::ComboBox& box)
     constexpr auto lastIndex = static_cast<int> (wheelRangeTable.size()) - 1;
     return wheelRangeTable[static_cast<size_t> (juce::jlimit (0, lastIndex, box.getSelectedItemIndex()))];
 }
+/** Whether a mouse button is down over another program's window. Nothing else tells of it: the host keeps the keyboard, so
+    this window does not lose it. */
+bool isClickedElsewhere()
+{
+    return juce::ComponentPeer::getCurrentModifiersRealtime().isAnyMouseButtonDown()
+           && juce::Desktop::getInstance().findComponentAt (juce::Desktop::getMousePosition()) == nullptr;
+}
 } // namespace
 
 void TarvellineAudioProcessorEditor::comboBoxChanged (juce::ComboBox* box)
@@ -168,6 +175,10 @@ void TarvellineAudioProcessorEditor::timerCallback()
 {
     if (valueLabelCountdown > 0 && --valueLabelCountdown == 0)
         controls.valueLabel.setVisible (false);
+
+    for (auto& binding : boxBindingsOf (controls))
+        if (binding.control.isPopupActive() && isClickedElsewhere())
+            binding.control.hidePopup();
 
     if (processor.voices.keysChanged)
     {

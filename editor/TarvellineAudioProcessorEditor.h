@@ -34,8 +34,10 @@ public:
     void paint (juce::Graphics&) override;
     void resized() override;
     bool keyPressed (const juce::KeyPress&) override;
+    void parentHierarchyChanged() override;
 
-    /** Hides the value read-out when its time is over and repaints the keyboard when notes have changed; every 60 ms. */
+    /** Hides the value read-out when its time is over and a menu when the host is clicked, and repaints the keyboard when notes
+        have changed; every 60 ms. */
     void timerCallback() override;
 
     /** The parameter that a control is bound to, by its place in the host's list; -1 for none. */
@@ -53,7 +55,7 @@ private:
     void listenToControls();
     void attachParameters();
     void speakValues();
-    void leaveKeyboardToHost();
+    void takeKeyboardByTabAlone();
     void openAtStoredHeight();
 
     // Behaviour (EditorBehaviour.cpp)

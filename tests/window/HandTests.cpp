@@ -31,7 +31,7 @@ const Point<int> buttons[] { { 226, 23 }, { 482, 23 }, { 22, 270 } }; // all but
 const Point<int> keyboardStrip { 100, 272 }, panel { 128, 205 };
 const juce::Rectangle<int> rings[] { { 12, 11, 37, 25 },   { 208, 11, 37, 25 },  { 268, 11, 37, 25 },
                                      { 464, 11, 37, 25 },  { 46, 33, 165, 165 }, { 302, 33, 165, 165 },
-                                     { 236, 165, 19, 48 }, { 42, 211, 39, 39 } };
+                                     { 236, 165, 19, 48 }, { 42, 211, 38, 38 } };
 
 struct Wheel
 {
@@ -231,47 +231,41 @@ TEST (Steps, OfAKnobAreAHundredthAndWithShiftATenthOfThat)
     }
 }
 
-// A DAW whose space bar is dead after a click into the window; a menu that opens only with the keyboard in hand.
+// A DAW whose space bar is dead after a click into the window; a menu that such a window cannot open, or not close.
 TEST (Focus, StaysWithTheHostWhateverIsClicked)
 {
+    auto& screen = *HostWindow::screen;
     HostWindow host (inRange (3));
     host.open();
-    HostWindow::screen->focusTopmostWindow();
+    juce::Component other; // where the host's user has been typing
+    other.setBounds (700, 400, 200, 200);
+    other.addToDesktop (0);
+    other.setVisible (true);
     host.run (50);
-    const auto owner = HostWindow::screen->keyboardOwner();
-    const auto untouched = host.picture();
+    screen.focusTopmostWindow();
+    const auto owner = screen.keyboardOwner(), windows = screen.openWindows().size();
     std::vector<Point<int>> places { pitchWheel, timbreWheel, keyboardStrip, panel };
 
     for (const auto& knob : knobs)
         places.push_back (knob.place);
 
+    places.insert (places.end(), std::begin (buttons), std::end (buttons));
+
     for (const auto& place : places)
     {
         host.click (place);
-        EXPECT_EQ (HostWindow::screen->keyboardOwner(), owner) << place.toString();
+        EXPECT_EQ (screen.keyboardOwner(), owner) << place.toString();
     }
-
-    host.moveMouseAway();
-    host.run (50);
-    EXPECT_EQ (differingPixels (untouched, host.picture(), 0), 0) << "no ring";
-
-    for (const auto& place : buttons)
-    {
-        host.click (place);
-        EXPECT_EQ (HostWindow::screen->keyboardOwner(), owner) << place.toString();
-    }
-
-    const auto windows = HostWindow::screen->openWindows().size();
 
     for (const auto& place : boxes)
     {
         host.click (place);
-        host.run (400);
-        EXPECT_EQ (HostWindow::screen->openWindows().size(), windows + 1) << "the menu is open";
-        EXPECT_EQ (HostWindow::screen->keyboardOwner(), owner) << place.toString();
-        host.click ({ 600, 500 }); // beside the window, where the host is
         host.run (300);
-        EXPECT_EQ (HostWindow::screen->openWindows().size(), windows) << "and closed";
+        EXPECT_EQ (screen.openWindows().size(), windows + 1) << "the menu opens";
+        host.drag ({ 700, 400 }, { 700, 400 });
+        host.run (200);
+        EXPECT_EQ (screen.openWindows().size(), windows) << "and closes";
+        EXPECT_EQ (screen.keyboardOwner(), owner) << place.toString();
     }
 }
 
@@ -288,6 +282,7 @@ TEST (Focus, ShowsARingAroundEachControlInTurnUntilItLeaves)
     for (const auto& ring : rings)
     {
         tab (host, 1);
+        host.run (60);
         const auto picture = host.picture();
         juce::Rectangle<int> changed;
 
