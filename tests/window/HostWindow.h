@@ -136,12 +136,13 @@ public:
         run (100);
     }
 
-    /** A click, or with button 4 or 5 a notch of the mouse wheel, by a still hand. */
-    void click (juce::Point<int> at, unsigned button = 1)
+    /** A click, or with button 4 or 5 a notch of the mouse wheel.
+        @param slip  of the hand between pressing and letting go, pixels */
+    void click (juce::Point<int> at, unsigned button = 1, juce::Point<int> slip = {})
     {
-        moveMouse (at);
+        screen->moveMouse (x + at.x, y + at.y);
         screen->pressMouse (true, button);
-        run (10);
+        screen->moveMouse (x + at.x + slip.x, y + at.y + slip.y);
         screen->pressMouse (false, button);
         run (10);
     }
@@ -149,14 +150,7 @@ public:
     void type (const char* key)
     {
         screen->pressKey (key, true);
-        run (10);
         screen->pressKey (key, false);
-        run (10);
-    }
-
-    void hold (const char* key, bool down)
-    {
-        screen->pressKey (key, down);
         run (10);
     }
 
