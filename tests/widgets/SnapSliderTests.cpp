@@ -30,5 +30,30 @@ TEST (Snap, LeansToTheCentreUnlessShiftIsHeld)
         juce::ModifierKeys::currentModifiers = {};
     }
 }
+
+// A touchpad whose hundred small parts of a notch are a hundred steps, or none; a fast flick of an ordinary wheel that says more
+// than one.
+TEST (Snap, AddsSmoothScrollingUpToNotches)
+{
+    SnapSlider slider;
+    slider.setRange (0.0, 1.0);
+    slider.setValue (0.5);
+    const juce::MouseEvent over (juce::Desktop::getInstance().getMainMouseSource(), {}, {}, 0, 0, 0, 0, 0, &slider,
+                                 &slider, {}, {}, {}, 0, false);
+    const auto scroll = [&] (float x, float y, bool reversed, bool smooth)
+    {
+        slider.mouseWheelMove (over, { x, y, reversed, smooth, false });
+        return juce::roundToInt ((slider.getValue() - 0.5) / slider.freeStep);
+    };
+
+    for (const auto steps : { 0, 0, 0, 1, 1, 1, 1, 2 }) // a fourth of a notch each
+        EXPECT_EQ (scroll (0.0f, 12.5f / 256.0f, false, true), steps);
+
+    EXPECT_EQ (scroll (0.0f, 40.0f / 256.0f, false, true), 2);
+    EXPECT_EQ (scroll (0.0f, -40.0f / 256.0f, false, true), 2) << "what was short of a notch is forgotten";
+    EXPECT_EQ (scroll (0.0f, 2.0f, false, false), 3);
+    EXPECT_EQ (scroll (0.0f, 2.0f, true, false), 2);
+    EXPECT_EQ (scroll (-0.2f, 0.1f, false, false), 3) << "the greater axis counts";
+}
 } // namespace
 } // namespace tarvelline::test

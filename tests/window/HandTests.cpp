@@ -3,40 +3,28 @@
 #include "tests/editor/EditorRig.h"
 #include "tests/window/HostWindow.h"
 
-#include <gtest/gtest.h>
-
-#include <span>
-#include <utility>
-
 namespace tarvelline::test
 {
 namespace
 {
 using namespace parameterId;
-using Settings = HostWindow::Settings;
 
 constexpr unsigned up = 4, down = 5; // notches
+const Bound wheels[] { boundSliders[0], boundSliders[4] };
 
-/** Both wheels in one of the six ranges. */
-Settings inRange (size_t index, bool snap = true, bool full = true)
-{
-    const auto range = static_cast<float> (index) / 5.0f, on = snap ? 1.0f : 0.0f;
-    return { { mainRange, range },
-             { timbRange, range },
-             { mainSnap, on },
-             { timbSnap, on },
-             { toggleSize, full ? 1.0f : 0.0f } };
-}
-
-/** A window under a hand, with another in this process that tells where its controls lie. */
+/** A window with both wheels in one of the six ranges, and another in this process that tells where its controls lie. */
 struct Hand : HostWindow
 {
-    explicit Hand (const Settings& settings) : HostWindow (settings), map (0, settings.at (toggleSize) > 0.5f)
+    explicit Hand (size_t range, float snap = 1.0f, float full = 1.0f)
+        : HostWindow ({ { mainRange, static_cast<float> (range) / 5.0f },
+                        { timbRange, static_cast<float> (range) / 5.0f },
+                        { mainSnap, snap },
+                        { timbSnap, snap },
+                        { toggleSize, full } }),
+          map (0, full > 0.5f)
     {
         open();
     }
-
-    juce::Point<int> placeOf (const char* control) { return map.control (control).getBounds().getCentre(); }
 
     void set (const Bound& bound, float value)
     {
@@ -44,103 +32,75 @@ struct Hand : HostWindow
         run (5);
     }
 
-    /** Gives the window the keyboard, as a host does that hands its keys on. */
-    void takeKeys()
+    float get (const Bound& bound) { return parameter (bound.parameter).getValue(); }
+
+    void clickOn (const Bound& bound, unsigned button = 1, juce::Point<int> slip = {})
+    {
+        click (map.control (bound.control).getBounds().getCentre(), button, slip);
+    }
+
+    /** Gives the window the keyboard, as a host does that hands its keys on.
+        @returns what Tab then reaches, one after the other */
+    std::vector<juce::Component*> takeKeys()
     {
         screen->focusWindowAt (x + 5, y + 5);
         moveMouseAway();
         run (50);
-        plain = picture();
+        return map.editor->createKeyboardFocusTraverser()->getAllComponents (map.editor.get());
     }
-
-    /** How many pixels differ from the window as it was when it got them. */
-    int changedIn (juce::Rectangle<int> area)
-    {
-        return differingPixels (plain.getClippedImage (area), picture().getClippedImage (area), 2);
-    }
-
-    int changed() { return changedIn (plain.getBounds()); }
 
     EditorRig map;
-    juce::Image plain;
 };
 
-const std::array wheels { boundSliders[0], boundSliders[4] };
-
-/** The lines of a wheel's grid, as its parameter holds them. */
-std::vector<float> linesOf (size_t index)
+// A notch that the lean to the centre swallows, one that skips a line, or one that runs over an end; a line that the float holds
+// just inside itself, which a click takes for the one before; a hand that does not hold still.
+TEST (Wheel, StepsByNotchesFromLineToLineAndStaysWhereItIsClicked)
 {
-    const auto steps = static_cast<int> (wheelRangeTable[index]);
-    std::vector<float> lines;
+    auto notches = 0, clicks = 0, wrongNotches = 0, wrongClicks = 0;
 
-    for (auto line = -steps / 2; line <= steps / 2; ++line)
-        lines.push_back (static_cast<float> (0.5 + static_cast<double> (line) / steps));
-
-    return lines;
-}
-
-// A line that the float holds just inside itself, which a click takes for the one before; a hand that does not hold still.
-TEST (Click, MovesNoWheelFromWhereItStands)
-{
-    auto places = 0, moved = 0;
-
-    for (size_t index = 0; index < wheelRangeTable.size(); ++index)
+    for (size_t range = 0; range < wheelRangeTable.size(); ++range)
     {
-        Hand hand (inRange (index));
-        auto values = linesOf (index);
-        values.push_back (0.61803f); // between two lines
+        Hand hand (range);
+        const auto lines = static_cast<int> (wheelRangeTable[range]);
+        const auto valueAt = [&] (double line) { return static_cast<float> (juce::jlimit (0.0, 1.0, line / lines)); };
 
-        for (const auto value : values)
+        const auto turn = [&] (const Bound& wheel, unsigned direction, float expected)
+        {
+            hand.clickOn (wheel, direction);
+            ++notches;
+            wrongNotches += std::abs (hand.get (wheel) - expected) > 1.0e-7f;
+        };
+
+        const auto click = [&] (const Bound& wheel, float value)
+        {
+            hand.set (wheel, value);
+            hand.clickOn (wheel, 1, { 0, 1 });
+            ++clicks;
+            wrongClicks += std::abs (hand.get (wheel) - value) > 0.0f;
+        };
+
+        for (auto line = 0; line <= lines; ++line)
             for (const auto& wheel : wheels) // in turn: two clicks on one are a double click
             {
-                hand.set (wheel, value);
-                hand.click (hand.placeOf (wheel.control), 1, { 0, 1 });
-                ++places;
-                moved += std::abs (hand.parameter (wheel.parameter).getValue() - value) > 0.0f;
+                click (wheel, valueAt (line));
+                turn (wheel, up, valueAt (line + 1));
             }
-    }
 
-    EXPECT_EQ (moved, 0) << "of " << places << " places";
-}
+        for (auto line = lines; line >= 0; --line)
+            for (const auto& wheel : wheels)
+                turn (wheel, down, valueAt (line - 1));
 
-// A notch that the lean to the centre swallows, one that skips a line, or one that runs over an end.
-TEST (Notch, IsOneStepOfTheGridBothWaysUpToTheEnds)
-{
-    auto notches = 0, wrong = 0;
-
-    for (size_t index = 0; index < wheelRangeTable.size(); ++index)
-    {
-        Hand hand (inRange (index));
-        const auto lines = linesOf (index);
-        const auto last = lines.size() - 1;
-
-        for (const auto& wheel : wheels)
-        {
-            const auto turn = [&] (unsigned direction, float expected)
-            {
-                hand.click (hand.placeOf (wheel.control), direction);
-                ++notches;
-                wrong += std::abs (hand.parameter (wheel.parameter).getValue() - expected) > 1.0e-7f;
-            };
-
-            hand.set (wheel, 0.0f);
-
-            for (size_t line = 0; line <= last; ++line)
-                turn (up, lines[std::min (line + 1, last)]);
-
-            for (auto line = last + 1; line > 0; --line)
-                turn (down, lines[line < 2 ? 0 : line - 2]);
-
-            for (const auto direction : { up, down }) // from between two lines, below the centre and above it
-                for (const auto line : { size_t { 0 }, last - 1 })
+        for (const auto between : { 0.4, lines - 0.6 }) // below the centre and above it
+            for (const auto direction : { up, down })
+                for (const auto& wheel : wheels)
                 {
-                    hand.set (wheel, 0.6f * lines[line] + 0.4f * lines[line + 1]);
-                    turn (direction, lines[direction == up ? line + 1 : line]);
+                    click (wheel, valueAt (between));
+                    turn (wheel, direction, valueAt (direction == up ? std::ceil (between) : std::floor (between)));
                 }
-        }
     }
 
-    EXPECT_EQ (wrong, 0) << "of " << notches << " notches";
+    EXPECT_EQ (wrongClicks, 0) << "of " << clicks << " clicks";
+    EXPECT_EQ (wrongNotches, 0) << "of " << notches << " notches";
 }
 
 /** What a host hears of a parameter's edits. */
@@ -154,28 +114,25 @@ struct Edits : juce::AudioProcessorParameter::Listener
     std::string heard;
 };
 
-/** A notch and two arrow keys up and down, at the control that has the keyboard. */
+/** A notch and arrow keys up and down, at the control that has the keyboard. */
 void expectSteps (Hand& hand, const Bound& bound, double step)
 {
-    constexpr auto start = 0.625f; // a line at 48 steps
     Edits edits (hand.parameter (bound.parameter));
 
-    const auto expect = [&] (double value, auto&& act)
+    for (const std::string act : { "up", "down", "Up", "Right", "KP_Up", "Down", "Left", "KP_Left" })
     {
+        constexpr auto start = 0.625f; // a line at 48 steps
         hand.set (bound, start);
-        act();
-        EXPECT_NEAR (edits.parameter.getValue(), value, 1.0e-6) << bound.control << ", step " << step;
-        EXPECT_EQ (std::exchange (edits.heard, ""), "begin set end ") << bound.control;
-    };
 
-    expect (start + step, [&] { hand.click (hand.placeOf (bound.control), up); });
-    expect (start - step, [&] { hand.click (hand.placeOf (bound.control), down); });
+        if (act == "up" || act == "down")
+            hand.clickOn (bound, act == "up" ? up : down);
+        else
+            hand.type (act.c_str());
 
-    for (const auto* key : { "Up", "Right", "KP_Up" })
-        expect (start + step, [&] { hand.type (key); });
-
-    for (const auto* key : { "Down", "Left", "KP_Left" })
-        expect (start - step, [&] { hand.type (key); });
+        const auto sign = act == "up" || act == "Up" || act == "KP_Up" || act == "Right" ? 1.0 : -1.0;
+        EXPECT_NEAR (hand.get (bound), start + sign * step, 1.0e-6) << bound.control << " " << act << ", step " << step;
+        EXPECT_EQ (std::exchange (edits.heard, ""), "begin set end ") << bound.control << " " << act;
+    }
 }
 
 // Steps by parts of the travel, which are half a semitone in the widest range; keys that step otherwise than notches; many
@@ -184,20 +141,19 @@ TEST (Steps, AreAlikeForNotchesAndKeysAndFinerWithShift)
 {
     for (const auto snap : { true, false })
     {
-        Hand hand (inRange (5, snap));
-        hand.takeKeys();
+        Hand hand (5, snap ? 1.0f : 0.0f);
 
-        for (auto* stop : hand.map.editor->createKeyboardFocusTraverser()->getAllComponents (hand.map.editor.get()))
+        for (auto* stop : hand.takeKeys())
         {
             hand.type ("Tab");
 
             for (const auto& bound : boundSliders)
                 if (stop->getComponentID() == bound.control)
                 {
-                    const auto wheel = dynamic_cast<SnapSlider*> (stop)->freeStep < 0.01;
-                    expectSteps (hand, bound, ! wheel ? 0.01 : snap ? 1.0 / 48.0 : 0.1 / 48.0);
+                    const auto isWheel = stop->getComponentID().contains ("Wheel");
+                    expectSteps (hand, bound, ! isWheel ? 0.01 : (snap ? 1.0 : 0.1) / 48.0);
                     HostWindow::screen->pressKey ("Shift_L", true);
-                    expectSteps (hand, bound, ! wheel ? 0.001 : snap ? 0.1 / 48.0 : 0.01 / 48.0);
+                    expectSteps (hand, bound, ! isWheel ? 0.001 : (snap ? 0.1 : 0.01) / 48.0);
                     HostWindow::screen->pressKey ("Shift_L", false);
                 }
         }
@@ -208,7 +164,7 @@ TEST (Steps, AreAlikeForNotchesAndKeysAndFinerWithShift)
 TEST (Focus, StaysWithTheHostWhateverIsClicked)
 {
     auto& screen = *HostWindow::screen;
-    Hand hand (inRange (3));
+    Hand hand (3);
     juce::Component other; // where the host's user has been typing
     other.setBounds (700, 400, 200, 200);
     other.addToDesktop (0);
@@ -218,13 +174,14 @@ TEST (Focus, StaysWithTheHostWhateverIsClicked)
     const auto owner = screen.keyboardOwner(), windows = screen.openWindows().size();
 
     for (auto* child : hand.map.editor->getChildren())
-        if (auto* box = dynamic_cast<juce::ComboBox*> (child); child != &hand.map.control ("sizeButton"))
+        if (child != &hand.map.control ("sizeButton"))
         {
+            const auto isBox = dynamic_cast<juce::ComboBox*> (child) != nullptr;
             hand.click (child->getBounds().getCentre());
-            hand.run (box != nullptr ? 300 : 0);
-            EXPECT_EQ (screen.openWindows().size(), windows + (box != nullptr ? 1 : 0)) << "the menu opens";
+            hand.run (isBox ? 300 : 0);
+            EXPECT_EQ (screen.openWindows().size(), windows + (isBox ? 1 : 0)) << "the menu opens";
 
-            if (box != nullptr)
+            if (isBox)
                 hand.drag ({ 700, 400 }, { 700, 400 });
 
             EXPECT_EQ (screen.openWindows().size(), windows) << "and closes";
@@ -232,44 +189,43 @@ TEST (Focus, StaysWithTheHostWhateverIsClicked)
         }
 }
 
-// A control that the Tab key never reaches, or one that has the keyboard and does not show it; a display where Tab stops for
-// nothing; in the half window, a walk off to controls that nobody sees; a ring that stays behind.
+// A control that the Tab key never reaches, or that has the keyboard and does not show it; a display where Tab stops for nothing;
+// in the half window, a walk off to controls that nobody sees; a ring that stays behind, or is lost on its ground.
 TEST (Focus, ShowsARingAroundEveryControlInTurnUntilItLeaves)
 {
-    for (const auto full : { true, false })
+    for (const auto& [full, count] : { std::pair { 1.0f, 15u }, std::pair { 0.0f, 9u } })
     {
-        Hand hand (inRange (3, true, full));
-        hand.takeKeys();
-        std::vector<juce::Component*> stops;
-
-        for (const auto& list : { std::span<const Bound> (boundSliders), std::span<const Bound> (boundButtons),
-                                  std::span<const Bound> (boundBoxes) })
-            for (const auto& bound : list)
-                if (auto& control = hand.map.control (bound.control); control.getRight() <= hand.editor->getWidth())
-                    stops.push_back (&control);
-
-        const auto place = [] (auto* control) { return std::pair (control->getY(), control->getX()); };
-        std::sort (stops.begin(), stops.end(), [&] (auto* a, auto* b) { return place (a) < place (b); });
+        Hand hand (3, 1.0f, full);
+        auto stops = hand.takeKeys();
+        ASSERT_EQ (stops.size(), count);
         stops.push_back (stops.front()); // round again
+        const auto plain = hand.picture();
+        auto height = 0;
+
+        const auto changedIn = [&] (juce::Rectangle<int> area)
+        { return differingPixels (plain.getClippedImage (area), hand.picture().getClippedImage (area), 2); };
 
         for (const auto* control : stops)
         {
             hand.type ("Tab");
             hand.run (60);
             const auto ring = control->getBounds();
-            EXPECT_GT (hand.changedIn (ring.expanded (2)), ring.getWidth() + ring.getHeight()) << control->getTitle();
-            EXPECT_EQ (hand.changedIn (ring.expanded (2)), hand.changed()) << control->getTitle();
+            EXPECT_GT (changedIn (ring.expanded (2)), ring.getWidth() + ring.getHeight()) << control->getTitle();
+            EXPECT_EQ (changedIn (ring.expanded (2)), changedIn (plain.getBounds())) << control->getTitle();
+            EXPECT_TRUE (ring.getY() >= height || control == stops.front()) << control->getTitle();
+            height = ring.getY();
 
-            const auto picture = hand.picture();
-            const auto accent = picture.getPixelAt (ring.getCentreX(), ring.getY());
+            const auto accent = hand.picture().getPixelAt (ring.getCentreX(), ring.getY());
             EXPECT_TRUE (isOrange (accent)) << control->getTitle();
-            EXPECT_GE (contrastRatio (accent, picture.getPixelAt (ring.getCentreX(), ring.getY() - 2)), 3.0);
-            EXPECT_GE (contrastRatio (accent, picture.getPixelAt (ring.getCentreX(), ring.getY() + 1)), 3.0);
+
+            for (const auto beside : { -2, 1 })
+                EXPECT_GE (contrastRatio (accent, hand.picture().getPixelAt (ring.getCentreX(), ring.getY() + beside)),
+                           3.0);
         }
 
         HostWindow::screen->focusWindowAt (1, 1); // the desktop
         hand.run (100);
-        EXPECT_EQ (hand.changed(), 0);
+        EXPECT_EQ (changedIn (plain.getBounds()), 0);
     }
 }
 } // namespace
