@@ -171,22 +171,34 @@ TEST (Focus, StaysWithTheHostWhateverIsClicked)
     other.setVisible (true);
     hand.run (50);
     screen.focusTopmostWindow();
-    const auto owner = screen.keyboardOwner(), windows = screen.openWindows().size();
+    const auto windows = screen.openWindows().size();
 
-    for (auto* child : hand.map.editor->getChildren())
-        if (child != &hand.map.control ("sizeButton"))
-        {
-            const auto isBox = dynamic_cast<juce::ComboBox*> (child) != nullptr;
-            hand.click (child->getBounds().getCentre());
-            hand.run (isBox ? 300 : 0);
-            EXPECT_EQ (screen.openWindows().size(), windows + (isBox ? 1 : 0)) << "the menu opens";
+    for (const auto handedOn : { false, true })
+    {
+        if (handedOn) // then the window keeps it, and no control takes it
+            hand.takeKeys();
 
-            if (isBox)
-                hand.drag ({ 700, 400 }, { 700, 400 });
+        const auto owner = screen.keyboardOwner();
 
-            EXPECT_EQ (screen.openWindows().size(), windows) << "and closes";
-            EXPECT_EQ (screen.keyboardOwner(), owner) << child->getTitle();
-        }
+        for (auto* child : hand.map.editor->getChildren())
+            if (child != &hand.map.control ("sizeButton"))
+            {
+                const auto isBox = dynamic_cast<juce::ComboBox*> (child) != nullptr;
+                hand.click (child->getBounds().getCentre());
+                hand.run (isBox ? 300 : 0);
+                EXPECT_EQ (screen.openWindows().size(), windows + (isBox ? 1 : 0)) << "the menu opens";
+
+                if (isBox && handedOn)
+                    hand.type ("Escape");
+                else if (isBox)
+                    hand.drag ({ 700, 400 }, { 700, 400 });
+
+                hand.run (60);
+                EXPECT_EQ (screen.openWindows().size(), windows) << "and closes";
+                EXPECT_EQ (screen.keyboardOwner(), owner) << child->getTitle();
+                EXPECT_FALSE (isOrange (hand.picture().getPixelAt (child->getBounds().getCentreX(), child->getY())));
+            }
+    }
 }
 
 // A control that the Tab key never reaches, or that has the keyboard and does not show it; a display where Tab stops for nothing;
