@@ -145,15 +145,11 @@ void TarvellineAudioProcessorEditor::showValueAbove (const juce::Slider& slider)
     valueLabelCountdown = readOutTicks;
 }
 
-/** The window itself holds the keyboard until Tab asks for a control, and hands back every other key. */
-bool TarvellineAudioProcessorEditor::keyPressed (const juce::KeyPress& key)
+/** The window itself is no stop on the way of the Tab key. */
+void TarvellineAudioProcessorEditor::focusGained (FocusChangeType cause)
 {
-    if (! key.isKeyCode (juce::KeyPress::tabKey) || ! hasKeyboardFocus (false))
-        return false;
-
-    const auto stops = createKeyboardFocusTraverser()->getAllComponents (this);
-    (key.getModifiers().isShiftDown() ? stops.back() : stops.front())->grabKeyboardFocus();
-    return true;
+    if (cause == focusChangedByTabKey)
+        moveKeyboardFocusToSibling (! juce::ModifierKeys::currentModifiers.isShiftDown());
 }
 
 int TarvellineAudioProcessorEditor::getControlParameterIndex (juce::Component& control)

@@ -236,7 +236,6 @@ void TarvellineAudioProcessorEditor::speakValues()
 void TarvellineAudioProcessorEditor::takeKeyboardByTabAlone()
 {
     setWantsKeyboardFocus (true);
-    setFocusContainerType (FocusContainerType::keyboardFocusContainer); // Tab goes round without the window itself
     setMouseClickGrabsKeyboardFocus (false);
 
     for (auto* child : getChildren())

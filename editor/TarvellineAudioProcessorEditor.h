@@ -33,7 +33,7 @@ public:
 
     void paint (juce::Graphics&) override;
     void resized() override;
-    bool keyPressed (const juce::KeyPress&) override;
+    void focusGained (FocusChangeType) override;
     void parentHierarchyChanged() override;
 
     /** Hides the value read-out when its time is over and a menu when the host is clicked, and repaints the keyboard when notes

@@ -25,6 +25,9 @@ void FocusRing::parentSizeChanged() { setBounds (getParentComponent()->getLocalB
 
 void FocusRing::globalFocusChanged (juce::Component* focused)
 {
+    if (focused != nullptr && focused == getTopLevelComponent() && focused != getParentComponent())
+        getParentComponent()->grabKeyboardFocus();
+
     while (focused != nullptr && focused->getParentComponent() != getParentComponent())
         focused = focused->getParentComponent();
 

@@ -7,8 +7,8 @@ namespace tarvelline
 {
 /** A ring around the sibling that has the keyboard, round around a slider; nothing while none of them has it.
 
-    Add it above the others. It covers its parent, lets the mouse through and paints nothing but the ring. Message thread
-    only. */
+    Add it above the others. It covers its parent, lets the mouse through and paints nothing but the ring. Where the
+    program's own window holds the keyboard, from which no Tab leads on, it passes it to its parent. Message thread only. */
 class FocusRing : public juce::Component, private juce::FocusChangeListener
 {
 public:

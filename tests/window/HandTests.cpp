@@ -235,6 +235,12 @@ TEST (Focus, ShowsARingAroundEveryControlInTurnUntilItLeaves)
                            3.0);
         }
 
+        HostWindow::screen->pressKey ("Shift_L", true);
+        hand.type ("Tab");
+        HostWindow::screen->pressKey ("Shift_L", false);
+        hand.run (60);
+        EXPECT_GT (changedIn (stops[count - 1]->getBounds()), 0) << "Shift goes back";
+
         HostWindow::screen->focusWindowAt (1, 1); // the desktop
         hand.run (100);
         EXPECT_EQ (changedIn (plain.getBounds()), 0);
