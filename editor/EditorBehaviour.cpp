@@ -20,6 +20,7 @@ double selectedSteps (const juce::ComboBox& box)
     constexpr auto lastIndex = static_cast<int> (wheelRangeTable.size()) - 1;
     return wheelRangeTable[static_cast<size_t> (juce::jlimit (0, lastIndex, box.getSelectedItemIndex()))];
 }
+
 /** Whether a mouse button is down over another program's window. Nothing else tells of it: the host keeps the keyboard, so
     this window does not lose it. */
 bool isClickedElsewhere()

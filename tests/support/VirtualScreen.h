@@ -25,6 +25,7 @@ public:
     ~VirtualScreen();
 
     void moveMouse (int x, int y);
+
     /** @param button  1 left, 3 right; 4 and 5 are the notches of a mouse wheel, up and down */
     void pressMouse (bool down, unsigned button = 1);
 
