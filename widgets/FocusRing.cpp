@@ -9,7 +9,7 @@ namespace
 constexpr juce::uint32 ringColour = 0xfff97e04, edgeColour = 0xff10161e;
 constexpr float ringWidth = 2.0f, edgeWidth = 4.0f; // pixels
 constexpr float cornerSize = 6.0f;
-constexpr int margin = 3; // from the control to what is repainted
+constexpr int edge = 2, margin = 3; // pixels: from the window's edge to the ring, from the control to what is repainted
 } // namespace
 
 FocusRing::FocusRing()
@@ -47,7 +47,7 @@ void FocusRing::paint (juce::Graphics& g)
     if (target == nullptr || ! g.clipRegionIntersects (target->getBounds().expanded (margin)))
         return;
 
-    const auto area = target->getBounds().toFloat();
+    const auto area = target->getBounds().getIntersection (getLocalBounds().reduced (edge)).toFloat();
     juce::Path ring;
 
     if (dynamic_cast<juce::Slider*> (target.getComponent()) != nullptr)
