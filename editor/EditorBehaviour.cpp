@@ -9,15 +9,24 @@ namespace tarvelline
 namespace
 {
 constexpr float fullAspectRatio =
-    1.77778f;                       // a little above 16 / 9, so that truncated widths come out whole: 288 -> 512
-constexpr int readOutTicks = 25;    // of the timer: 1.5 s
-constexpr int readOutDistance = 12; // pixels from a knob's top to the read-out's centre
+    1.77778f;                         // a little above 16 / 9, so that truncated widths come out whole: 288 -> 512
+constexpr int readOutTicks = 25;      // of the timer: 1.5 s
+constexpr int readOutDistance = 12;   // pixels from a knob's top to the read-out's centre
+constexpr double freeSemitones = 0.1; // of a wheel's step off its grid
 
 /** The steps of a range box: its span in semitones. No selection counts as the first entry. */
 double selectedSteps (const juce::ComboBox& box)
 {
     constexpr auto lastIndex = static_cast<int> (wheelRangeTable.size()) - 1;
     return wheelRangeTable[static_cast<size_t> (juce::jlimit (0, lastIndex, box.getSelectedItemIndex()))];
+}
+
+/** Whether a mouse button is down over another program's window. Nothing else tells of it: the host keeps the keyboard, so
+    this window does not lose it. */
+bool isClickedElsewhere()
+{
+    return juce::ComponentPeer::getCurrentModifiersRealtime().isAnyMouseButtonDown()
+           && juce::Desktop::getInstance().findComponentAt (juce::Desktop::getMousePosition()) == nullptr;
 }
 } // namespace
 
@@ -43,6 +52,7 @@ void TarvellineAudioProcessorEditor::applyPitchSnap (double steps)
 
     controls.pitchScaleSlider.snapTo = steps; // the scale shows the span even when snapping is off
     controls.mainWheelSlider.snapTo = grid;
+    controls.mainWheelSlider.freeStep = freeSemitones / steps;
     processor.bendSteps = grid;
 }
 
@@ -51,6 +61,7 @@ void TarvellineAudioProcessorEditor::applyTimbreSnap (double steps)
 {
     controls.timbreScaleSlider.snapTo = steps;
     controls.timbreWheelSlider.snapTo = controls.timbreSnapButton.getToggleState() ? steps : 0.0;
+    controls.timbreWheelSlider.freeStep = freeSemitones / steps;
 }
 
 void TarvellineAudioProcessorEditor::buttonClicked (juce::Button* button)
@@ -135,6 +146,13 @@ void TarvellineAudioProcessorEditor::showValueAbove (const juce::Slider& slider)
     valueLabelCountdown = readOutTicks;
 }
 
+/** The window itself is no stop on the way of the Tab key. */
+void TarvellineAudioProcessorEditor::focusGained (FocusChangeType cause)
+{
+    if (cause == focusChangedByTabKey)
+        moveKeyboardFocusToSibling (! juce::ModifierKeys::currentModifiers.isShiftDown());
+}
+
 int TarvellineAudioProcessorEditor::getControlParameterIndex (juce::Component& control)
 {
     const auto indexIn = [&] (const auto& bindings)
@@ -154,6 +172,10 @@ void TarvellineAudioProcessorEditor::timerCallback()
 {
     if (valueLabelCountdown > 0 && --valueLabelCountdown == 0)
         controls.valueLabel.setVisible (false);
+
+    for (auto& binding : boxBindingsOf (controls))
+        if (binding.control.isPopupActive() && isClickedElsewhere())
+            binding.control.hidePopup();
 
     if (processor.voices.keysChanged)
     {

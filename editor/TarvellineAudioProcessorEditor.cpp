@@ -2,6 +2,7 @@
 #include "editor/TarvellineAudioProcessorEditor.h"
 
 #include "BinaryData.h"
+#include "editor/HostKeyboard.h"
 #include "widgets/PuckRepaint.h"
 
 #include <algorithm>
@@ -60,6 +61,7 @@ TarvellineAudioProcessorEditor::TarvellineAudioProcessorEditor (TarvellineAudioP
     setOpaque (backgroundImage.isValid());
 
     setResizable (true, true);
+    takeKeyboardByTabAlone();
     applySizeMode();
     openAtStoredHeight();
     startTimer (timerMilliseconds);
@@ -230,6 +232,16 @@ void TarvellineAudioProcessorEditor::speakValues()
     }
 }
 
+/** A control takes the keyboard from the window, which holds it while none does and the host lets the window have it. */
+void TarvellineAudioProcessorEditor::takeKeyboardByTabAlone()
+{
+    setWantsKeyboardFocus (true);
+    setMouseClickGrabsKeyboardFocus (false);
+
+    for (auto* child : getChildren())
+        child->setMouseClickGrabsKeyboardFocus (false);
+}
+
 void TarvellineAudioProcessorEditor::openAtStoredHeight()
 {
     const int stored = processor.uiHeight;
@@ -238,6 +250,12 @@ void TarvellineAudioProcessorEditor::openAtStoredHeight()
     setSize (widthFor (height), height);
     setResizeLimits (1, minimumHeight, designWidth, designHeight); // the aspect ratio is what limits the width
     setSize (widthFor (height), height); // the limits have fitted the height to the truncated width
+}
+
+void TarvellineAudioProcessorEditor::parentHierarchyChanged()
+{
+    if (getPeer() != nullptr && processor.wrapperType != juce::AudioProcessor::wrapperType_Standalone)
+        leaveKeyboardToHost();
 }
 
 void TarvellineAudioProcessorEditor::paint (juce::Graphics& g) { panel.draw (g, getLocalBounds()); }

@@ -33,8 +33,11 @@ public:
 
     void paint (juce::Graphics&) override;
     void resized() override;
+    void focusGained (FocusChangeType) override;
+    void parentHierarchyChanged() override;
 
-    /** Hides the value read-out when its time is over and repaints the keyboard when notes have changed; every 60 ms. */
+    /** Hides the value read-out when its time is over and a menu when the host is clicked, and repaints the keyboard when notes
+        have changed; every 60 ms. */
     void timerCallback() override;
 
     /** The parameter that a control is bound to, by its place in the host's list; -1 for none. */
@@ -52,6 +55,7 @@ private:
     void listenToControls();
     void attachParameters();
     void speakValues();
+    void takeKeyboardByTabAlone();
     void openAtStoredHeight();
 
     // Behaviour (EditorBehaviour.cpp)

@@ -23,20 +23,10 @@ TEST (FreshWindow, ShowsTheDefaults)
     EXPECT_FALSE (rig.readOut().isVisible());
 }
 
-// Attachments crossed, or one missing: both ways, with a value that no other control has; and in the next window.
-TEST (Binding, ControlsAndParametersMoveEachOther)
+// Attachments crossed, or one missing, both ways.
+TEST (Binding, ButtonsAndBoxesAndTheirParametersMoveEachOther)
 {
     EditorRig rig;
-    auto value = 0.15f;
-
-    for (const auto& [control, id] : boundSliders)
-    {
-        rig.turn (control, static_cast<double> (value));
-        EXPECT_NEAR (rig.get (id), value, 1.0e-6f) << control;
-        rig.set (id, value + 0.02f);
-        EXPECT_NEAR (rig.control<juce::Slider> (control).getValue(), static_cast<double> (value) + 0.02, 1.0e-6) << id;
-        value += 0.08f;
-    }
 
     for (const auto& [control, id] : boundButtons)
     {
@@ -55,11 +45,6 @@ TEST (Binding, ControlsAndParametersMoveEachOther)
         rig.set (id, 2.0f);
         EXPECT_EQ (rig.control<juce::ComboBox> (control).getText(), "6") << id;
     }
-
-    rig.open();
-
-    for (const auto& [control, id] : boundSliders)
-        EXPECT_NEAR (rig.control<juce::Slider> (control).getValue(), rig.get (id), 1.0e-6) << control;
 }
 
 /** A host that has a menu for every parameter, and hears how its parameters are edited. */
@@ -81,8 +66,8 @@ struct ListeningHost : juce::AudioProcessorEditorHostContext,
     juce::String heard;
 };
 
-// A right click that turns what it asks about, or asks about another; steps of the keyboard that no host takes for an edit.
-TEST (HostManners, RightClicksAskForTheMenuAndKeysAreGestures)
+// A right click that turns what it asks about, or asks about another.
+TEST (HostManners, RightClicksAskForTheMenu)
 {
     ListeningHost host; // outlives what it listens to
     EditorRig rig (0, true);
@@ -102,9 +87,6 @@ TEST (HostManners, RightClicksAskForTheMenuAndKeysAreGestures)
             control.mouseUp (drag);
             EXPECT_EQ (host.asked, &rig.parameter (parameter)) << id;
             EXPECT_EQ (host.heard, "") << id;
-            const auto isSlider =
-                control.keyPressed (juce::KeyPress (juce::KeyPress::downKey)) && kind.data() == boundSliders;
-            EXPECT_EQ (std::exchange (host.heard, "") == "begin changed end ", isSlider) << id;
         }
 }
 

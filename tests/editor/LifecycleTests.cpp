@@ -3,7 +3,6 @@
 
 #include <map>
 #include <set>
-#include <span>
 
 namespace tarvelline::test
 {
@@ -45,33 +44,6 @@ TEST (Opening, NeedsNoPreparedProcessorAndFollowsAState)
     EXPECT_TRUE (editor->createComponentSnapshot (editor->getLocalBounds()).isValid());
     rig.processor.setStateInformation (state.getData(), static_cast<int> (state.getSize()));
     EXPECT_EQ (dynamic_cast<juce::Slider*> (editor->findChildWithID ("mixerSlider"))->getValue(), 0.25);
-}
-
-// A control that the Tab key never reaches, a display where it stops for nothing, or a walk to and fro; in the half window,
-// one that wanders off to controls that nobody sees.
-TEST (Accessibility, TabVisitsEveryVisibleControlOnceFromTopToBottom)
-{
-    for (const auto full : { true, false })
-    {
-        EditorRig rig (0, full);
-        std::set<juce::Component*> controls;
-        auto y = 0;
-
-        for (const auto& list : { std::span<const Bound> (boundSliders), std::span<const Bound> (boundButtons),
-                                  std::span<const Bound> (boundBoxes) })
-            for (const auto& bound : list)
-                if (rig.control (bound.control).getRight() <= rig.editor->getWidth())
-                    controls.insert (&rig.control (bound.control));
-
-        for (auto* control : rig.editor->createKeyboardFocusTraverser()->getAllComponents (rig.editor.get()))
-        {
-            EXPECT_EQ (controls.erase (control), 1u) << control->getComponentID();
-            EXPECT_GE (control->getY(), y) << control->getComponentID();
-            y = control->getY();
-        }
-
-        EXPECT_TRUE (controls.empty());
-    }
 }
 
 TEST (Accessibility, EveryControlHasATitleOfItsOwn)

@@ -4,7 +4,6 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
-#include <X11/keysym.h>
 
 #include <cstdlib>
 #include <stdexcept>
@@ -119,15 +118,16 @@ void VirtualScreen::moveMouse (int x, int y)
     XSync (connection->display, False);
 }
 
-void VirtualScreen::pressMouse (bool down)
+void VirtualScreen::pressMouse (bool down, unsigned button)
 {
-    XTestFakeButtonEvent (connection->display, Button1, down, CurrentTime);
+    XTestFakeButtonEvent (connection->display, button, down, CurrentTime);
     XSync (connection->display, False);
 }
 
-void VirtualScreen::pressShift (bool down)
+void VirtualScreen::pressKey (const char* key, bool down)
 {
-    XTestFakeKeyEvent (connection->display, XKeysymToKeycode (connection->display, XK_Shift_L), down, CurrentTime);
+    const auto code = XKeysymToKeycode (connection->display, XStringToKeysym (key));
+    XTestFakeKeyEvent (connection->display, code, down, CurrentTime);
     XSync (connection->display, False);
 }
 
@@ -168,5 +168,26 @@ void VirtualScreen::focusTopmostWindow()
         XSetInputFocus (connection->display, windows.back().first, RevertToParent, CurrentTime);
 
     XSync (connection->display, False);
+}
+
+void VirtualScreen::focusWindowAt (int x, int y)
+{
+    auto* display = connection->display;
+    const auto root = DefaultRootWindow (display);
+    Window innermost = root, child = root;
+
+    for (int childX = 0, childY = 0; child != None; innermost = child != None ? child : innermost)
+        XTranslateCoordinates (display, root, innermost, x, y, &childX, &childY, &child);
+
+    XSetInputFocus (display, innermost, RevertToParent, CurrentTime);
+    XSync (display, False);
+}
+
+unsigned long VirtualScreen::keyboardOwner()
+{
+    Window owner = 0;
+    int revert = 0;
+    XGetInputFocus (connection->display, &owner, &revert);
+    return owner;
 }
 } // namespace tarvelline::test

@@ -25,8 +25,12 @@ public:
     ~VirtualScreen();
 
     void moveMouse (int x, int y);
-    void pressMouse (bool down);
-    void pressShift (bool down);
+
+    /** @param button  1 left, 3 right; 4 and 5 are the notches of a mouse wheel, up and down */
+    void pressMouse (bool down, unsigned button = 1);
+
+    /** @param key  as the server calls it: "Shift_L", "Tab", "Up" */
+    void pressKey (const char* key, bool down);
 
     juce::Image capture (juce::Rectangle<int>);
 
@@ -35,6 +39,12 @@ public:
 
     /** Gives the keyboard to the topmost of them, as a window manager does. */
     void focusTopmostWindow();
+
+    /** Gives it to the innermost window at a place, as hosts do that hand their keys on to a plug-in. */
+    void focusWindowAt (int x, int y);
+
+    /** The window that has the keyboard; no two are the same. */
+    unsigned long keyboardOwner();
 
 private:
     struct Connection;

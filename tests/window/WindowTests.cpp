@@ -98,9 +98,9 @@ TEST (Drag, ReachesTheHostSnappedUnlessShiftIsHeld)
     {
         HostWindow host (fast);
         host.open();
-        HostWindow::screen->pressShift (shift);
+        HostWindow::screen->pressKey ("Shift_L", shift);
         host.drag ({ 128, 115 }, { 128, 115 - pixels });
-        HostWindow::screen->pressShift (false);
+        HostWindow::screen->pressKey ("Shift_L", false);
 
         const auto moved = host.parameter (mainWheelPar).getValue();
         EXPECT_NEAR (moved, value, tolerance);
