@@ -4,6 +4,7 @@
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
+#if JUCE_LINUX || JUCE_BSD
 namespace tarvelline
 {
 namespace
@@ -29,3 +30,6 @@ void leaveKeyboardToHost()
     entry = setInputFocusUnlessClicked;
 }
 } // namespace tarvelline
+#else // the keyboard goes where the components want it
+void tarvelline::leaveKeyboardToHost() {}
+#endif
