@@ -37,6 +37,7 @@ TarvellineAudioProcessorEditor::TarvellineAudioProcessorEditor (TarvellineAudioP
       backgroundImage (juce::ImageFileFormat::loadFrom (BinaryData::background_png, BinaryData::background_pngSize)),
       processor (owner)
 {
+    chooseTypeface();
     showProcessorState();
     setLookColours();
     styleSliders();
@@ -83,6 +84,14 @@ TarvellineAudioProcessorEditor::~TarvellineAudioProcessorEditor()
     buttonAttachments.clear(); // before the controls they bind
     comboBoxAttachments.clear();
     sliderAttachments.clear();
+}
+
+/** All text is in the display face where the system has no font at all; it would not be drawn otherwise. */
+void TarvellineAudioProcessorEditor::chooseTypeface()
+{
+    if (juce::Font::findAllTypefaceNames().isEmpty())
+        juce::LookAndFeel::getDefaultLookAndFeel().setDefaultSansSerifTypeface (
+            controls.pitchDial.getDialFont().getTypefacePtr());
 }
 
 void TarvellineAudioProcessorEditor::showProcessorState()

@@ -42,6 +42,7 @@ public:
 
 private:
     // Construction (TarvellineAudioProcessorEditor.cpp)
+    void chooseTypeface();
     void showProcessorState();
     void setLookColours();
     void styleSliders();
