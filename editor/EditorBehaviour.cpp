@@ -103,12 +103,23 @@ void TarvellineAudioProcessorEditor::applySizeMode()
     for (auto& place : placementsOf (controls))
         place.control.setVisible (place.bounds.getX() < static_cast<float> (shownWidth));
 
-    if (isVisible())
+    sizeIsDue = true;
+    applyDueSize();
+}
+
+/** Only on the screen: until the host has attached its event loop to the window this may be a thread of the framework's, and
+    no host expects to be asked for a size on one. */
+void TarvellineAudioProcessorEditor::applyDueSize()
+{
+    if (sizeIsDue && getPeer() != nullptr)
     {
+        sizeIsDue = false;
         setBounds (getX(), getY(), widthFor (getHeight()), getHeight());
         resized();
     }
 }
+
+void TarvellineAudioProcessorEditor::parentHierarchyChanged() { applyDueSize(); }
 
 int TarvellineAudioProcessorEditor::widthFor (int height) const noexcept
 {

@@ -247,6 +247,7 @@ void TarvellineAudioProcessorEditor::openAtStoredHeight()
     setSize (widthFor (height), height);
     setResizeLimits (1, minimumHeight, designWidth, designHeight); // the aspect ratio is what limits the width
     setSize (widthFor (height), height); // the limits have fitted the height to the truncated width
+    sizeIsDue = false;
 }
 
 void TarvellineAudioProcessorEditor::paint (juce::Graphics& g) { panel.draw (g, getLocalBounds()); }

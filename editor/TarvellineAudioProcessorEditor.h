@@ -33,6 +33,7 @@ public:
 
     void paint (juce::Graphics&) override;
     void resized() override;
+    void parentHierarchyChanged() override;
 
     /** Hides the value read-out when its time is over and repaints the keyboard when notes have changed; every 60 ms. */
     void timerCallback() override;
@@ -63,10 +64,12 @@ private:
     void applyTimbreSnap (double steps);
     void applyMidiMode();
     void applySizeMode();
+    void applyDueSize();
     void showValueAbove (const juce::Slider&);
     int widthFor (int height) const noexcept;
 
     int sizeMode = 1;              // 1 = full, 2 = half: the divisor of the visible design width
+    bool sizeIsDue = false;        // the size mode's, while there is no window on the screen to have it
     float aspectRatio = 1.77778f;  // window width over height
     double pitchRangeSteps = 12.0; // semitones from end to end, as the range box has it
     double timbreRangeSteps = 12.0;

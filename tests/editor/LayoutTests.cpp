@@ -48,19 +48,17 @@ TEST (Opening, TakesTheStoredHeight)
     }
 }
 
-TEST (SizeToggle, KeepsPlaceAndHeight)
+// The size itself waits for the window to be on the screen.
+TEST (SizeToggle, OffTheScreenSetsTheRatioAlone)
 {
     EditorRig rig (400);
-    rig.editor->setTopLeftPosition (30, 40);
-    rig.toggle ("sizeButton", true);
-    EXPECT_EQ (rig.editor->getBounds(), Rectangle<int> (30, 40, 711, 400));
-    EXPECT_EQ (rig.control ("mainWheelSlider").getX(), 64); // laid out anew: 91.5 * 711 / 1024
-    EXPECT_NEAR (rig.editor->getConstrainer()->getFixedAspectRatio(), 1.77778, 1.0e-6);
 
-    rig.toggle ("sizeButton", false);
-    EXPECT_EQ (rig.editor->getBounds(), Rectangle<int> (30, 40, 355, 400));
-    EXPECT_NEAR (rig.editor->getConstrainer()->getFixedAspectRatio(), 0.88889, 1.0e-6);
-    EXPECT_EQ (rig.processor.uiHeight, 400);
+    for (const auto& [on, ratio] : { std::pair { true, 1.77778 }, std::pair { false, 0.88889 } })
+    {
+        rig.toggle ("sizeButton", on);
+        EXPECT_NEAR (rig.editor->getConstrainer()->getFixedAspectRatio(), ratio, 1.0e-6);
+        EXPECT_EQ (rig.editor->getBounds(), Rectangle<int> (355, 400));
+    }
 }
 
 TEST (Resizing, HasLimitsAndIsRecordedForTheNextWindow)
