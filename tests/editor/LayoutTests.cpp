@@ -48,19 +48,6 @@ TEST (Opening, TakesTheStoredHeight)
     }
 }
 
-// The size itself waits for the window to be on the screen.
-TEST (SizeToggle, OffTheScreenSetsTheRatioAlone)
-{
-    EditorRig rig (400);
-
-    for (const auto& [on, ratio] : { std::pair { true, 1.77778 }, std::pair { false, 0.88889 } })
-    {
-        rig.toggle ("sizeButton", on);
-        EXPECT_NEAR (rig.editor->getConstrainer()->getFixedAspectRatio(), ratio, 1.0e-6);
-        EXPECT_EQ (rig.editor->getBounds(), Rectangle<int> (355, 400));
-    }
-}
-
 TEST (Resizing, HasLimitsAndIsRecordedForTheNextWindow)
 {
     EditorRig rig;
