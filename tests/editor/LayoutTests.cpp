@@ -48,7 +48,7 @@ TEST (Opening, TakesTheStoredHeight)
     }
 }
 
-TEST (Resizing, HasLimitsAndIsRecordedForTheNextWindow)
+TEST (Resizing, HasLimits)
 {
     EditorRig rig;
     const auto& limits = *rig.editor->getConstrainer();
@@ -57,12 +57,6 @@ TEST (Resizing, HasLimitsAndIsRecordedForTheNextWindow)
     EXPECT_EQ (limits.getMinimumWidth(), 1);
     EXPECT_EQ (limits.getMaximumWidth(), 1024);
     EXPECT_EQ (limits.getMaximumHeight(), 576);
-
-    rig.editor->setSize (355, 400);
-    EXPECT_EQ (rig.processor.uiHeight, 400);
-    rig.open();
-    EXPECT_EQ (rig.editor->getHeight(), 400);
 }
-
 } // namespace
 } // namespace tarvelline::test
