@@ -60,6 +60,7 @@ TarvellineAudioProcessorEditor::TarvellineAudioProcessorEditor (TarvellineAudioP
 
     setOpaque (backgroundImage.isValid());
 
+    setConstrainer (&dragConstrainer);
     setResizable (true, true);
     applySizeMode();
     openAtStoredHeight();
@@ -244,9 +245,8 @@ void TarvellineAudioProcessorEditor::openAtStoredHeight()
     const int stored = processor.uiHeight;
     const auto height = juce::jlimit (minimumHeight, designHeight, stored != 0 ? stored : designHeight / 2);
 
+    dragConstrainer.setSizeLimits (1, minimumHeight, designWidth, designHeight); // the ratio is what limits the width
     setSize (widthFor (height), height);
-    setResizeLimits (1, minimumHeight, designWidth, designHeight); // the aspect ratio is what limits the width
-    setSize (widthFor (height), height); // the limits have fitted the height to the truncated width
     sizeIsDue = false;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "editor/ControlTables.h"
+#include "editor/DragConstrainer.h"
 #include "processor/TarvellineAudioProcessor.h"
 #include "widgets/FlatLookAndFeel.h"
 #include "widgets/MainRotaryDraw.h"
@@ -75,6 +76,7 @@ private:
     double timbreRangeSteps = 12.0;
     int valueLabelCountdown = 0; // timer ticks until the read-out is hidden
 
+    DragConstrainer dragConstrainer;
     EditorControls controls;
     juce::OwnedArray<juce::AudioProcessorValueTreeState::SliderAttachment> sliderAttachments;
     juce::OwnedArray<juce::AudioProcessorValueTreeState::ComboBoxAttachment> comboBoxAttachments;

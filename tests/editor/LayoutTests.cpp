@@ -48,7 +48,8 @@ TEST (Opening, TakesTheStoredHeight)
     }
 }
 
-TEST (Resizing, HasLimits)
+// Limits that a host does not know of, or a ratio that reaches out of the window that a host gives to the editor.
+TEST (Resizing, HasLimitsButTakesAHostsBounds)
 {
     EditorRig rig;
     const auto& limits = *rig.editor->getConstrainer();
@@ -57,6 +58,9 @@ TEST (Resizing, HasLimits)
     EXPECT_EQ (limits.getMinimumWidth(), 1);
     EXPECT_EQ (limits.getMaximumWidth(), 1024);
     EXPECT_EQ (limits.getMaximumHeight(), 576);
+
+    rig.editor->setBoundsConstrained ({ 438, 288 });
+    EXPECT_EQ (rig.editor->getBounds(), Rectangle<int> (438, 288));
 }
 } // namespace
 } // namespace tarvelline::test
