@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the window does once it stands: ranges, snapping, MIDI mode, size mode, the value read-out and the timer.
+#include "editor/HostKeyboard.h"
 #include "editor/TarvellineAudioProcessorEditor.h"
 
 #include <algorithm>
@@ -114,11 +115,28 @@ void TarvellineAudioProcessorEditor::applySizeMode()
     for (auto& place : placementsOf (controls))
         place.control.setVisible (place.bounds.getX() < static_cast<float> (shownWidth));
 
-    if (isVisible())
+    sizeIsDue = true;
+    applyDueSize();
+}
+
+/** Only on the screen: until the host has attached its event loop to the window this may be a thread of the framework's, and
+    no host expects to be asked for a size on one. */
+void TarvellineAudioProcessorEditor::applyDueSize()
+{
+    if (sizeIsDue && getPeer() != nullptr)
     {
+        sizeIsDue = false;
         setBounds (getX(), getY(), widthFor (getHeight()), getHeight());
         resized();
     }
+}
+
+void TarvellineAudioProcessorEditor::parentHierarchyChanged()
+{
+    applyDueSize();
+
+    if (getPeer() != nullptr && processor.wrapperType != juce::AudioProcessor::wrapperType_Standalone)
+        leaveKeyboardToHost();
 }
 
 int TarvellineAudioProcessorEditor::widthFor (int height) const noexcept

@@ -2,7 +2,6 @@
 #include "editor/TarvellineAudioProcessorEditor.h"
 
 #include "BinaryData.h"
-#include "editor/HostKeyboard.h"
 #include "widgets/PuckRepaint.h"
 
 #include <algorithm>
@@ -38,6 +37,7 @@ TarvellineAudioProcessorEditor::TarvellineAudioProcessorEditor (TarvellineAudioP
       backgroundImage (juce::ImageFileFormat::loadFrom (BinaryData::background_png, BinaryData::background_pngSize)),
       processor (owner)
 {
+    chooseTypeface();
     showProcessorState();
     setLookColours();
     styleSliders();
@@ -60,6 +60,7 @@ TarvellineAudioProcessorEditor::TarvellineAudioProcessorEditor (TarvellineAudioP
 
     setOpaque (backgroundImage.isValid());
 
+    setConstrainer (&dragConstrainer);
     setResizable (true, true);
     takeKeyboardByTabAlone();
     applySizeMode();
@@ -85,6 +86,14 @@ TarvellineAudioProcessorEditor::~TarvellineAudioProcessorEditor()
     buttonAttachments.clear(); // before the controls they bind
     comboBoxAttachments.clear();
     sliderAttachments.clear();
+}
+
+/** All text is in the display face where the system has no font at all; it would not be drawn otherwise. */
+void TarvellineAudioProcessorEditor::chooseTypeface()
+{
+    if (juce::Font::findAllTypefaceNames().isEmpty())
+        juce::LookAndFeel::getDefaultLookAndFeel().setDefaultSansSerifTypeface (
+            controls.pitchDial.getDialFont().getTypefacePtr());
 }
 
 void TarvellineAudioProcessorEditor::showProcessorState()
@@ -247,15 +256,9 @@ void TarvellineAudioProcessorEditor::openAtStoredHeight()
     const int stored = processor.uiHeight;
     const auto height = juce::jlimit (minimumHeight, designHeight, stored != 0 ? stored : designHeight / 2);
 
+    dragConstrainer.setSizeLimits (1, minimumHeight, designWidth, designHeight); // the ratio is what limits the width
     setSize (widthFor (height), height);
-    setResizeLimits (1, minimumHeight, designWidth, designHeight); // the aspect ratio is what limits the width
-    setSize (widthFor (height), height); // the limits have fitted the height to the truncated width
-}
-
-void TarvellineAudioProcessorEditor::parentHierarchyChanged()
-{
-    if (getPeer() != nullptr && processor.wrapperType != juce::AudioProcessor::wrapperType_Standalone)
-        leaveKeyboardToHost();
+    sizeIsDue = false;
 }
 
 void TarvellineAudioProcessorEditor::paint (juce::Graphics& g) { panel.draw (g, getLocalBounds()); }

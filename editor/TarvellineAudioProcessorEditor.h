@@ -2,6 +2,7 @@
 #pragma once
 
 #include "editor/ControlTables.h"
+#include "editor/DragConstrainer.h"
 #include "processor/TarvellineAudioProcessor.h"
 #include "widgets/FlatLookAndFeel.h"
 #include "widgets/MainRotaryDraw.h"
@@ -45,6 +46,7 @@ public:
 
 private:
     // Construction (TarvellineAudioProcessorEditor.cpp)
+    void chooseTypeface();
     void showProcessorState();
     void setLookColours();
     void styleSliders();
@@ -66,15 +68,18 @@ private:
     void applyTimbreSnap (double steps);
     void applyMidiMode();
     void applySizeMode();
+    void applyDueSize();
     void showValueAbove (const juce::Slider&);
     int widthFor (int height) const noexcept;
 
     int sizeMode = 1;              // 1 = full, 2 = half: the divisor of the visible design width
+    bool sizeIsDue = false;        // the size mode's, while there is no window on the screen to have it
     float aspectRatio = 1.77778f;  // window width over height
     double pitchRangeSteps = 12.0; // semitones from end to end, as the range box has it
     double timbreRangeSteps = 12.0;
     int valueLabelCountdown = 0; // timer ticks until the read-out is hidden
 
+    DragConstrainer dragConstrainer;
     EditorControls controls;
     juce::OwnedArray<juce::AudioProcessorValueTreeState::SliderAttachment> sliderAttachments;
     juce::OwnedArray<juce::AudioProcessorValueTreeState::ComboBoxAttachment> comboBoxAttachments;

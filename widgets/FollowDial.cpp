@@ -76,10 +76,10 @@ void FollowDial::timerCallback()
     if (wheel == nullptr)
         return;
 
-    // Before the first prepareToPlay the wheel has no span, and its point means nothing yet: the centre is shown.
-    const double span = wheel->span;
-    const auto newPosition = span > 0.0 ? static_cast<float> (wheel->point) : 0.5f;
-    const auto newValue = span > 0.0 ? static_cast<float> (span) * (newPosition - 0.5f) : 0.0f;
+    // Before the first prepareToPlay the wheel has no time scale, and its point means nothing yet, even if a range has been
+    // chosen: the centre is shown.
+    const auto newPosition = wheel->timeScale > 0.0 ? static_cast<float> (wheel->point) : 0.5f;
+    const auto newValue = static_cast<float> (wheel->span) * (newPosition - 0.5f);
     const auto oldOpacity = infoLineOpacity();
 
     if (flashCounter > 0)

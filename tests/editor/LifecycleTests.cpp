@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/editor/EditorRig.h"
+#include "tests/support/DrawnText.h"
 
 #include <map>
 #include <set>
@@ -32,7 +33,8 @@ TEST (Closing, TakesEveryLookFromItsControlsWhileItLives)
         EXPECT_TRUE (done) << id;
 }
 
-// A window on a processor that has no span, no engine and no rate yet, or a state that does not reach one that stands open.
+// A window on a processor that has no engine and no rate yet, a state that does not reach one that stands open, or a dial
+// that shows a wheel which was never set.
 TEST (Opening, NeedsNoPreparedProcessorAndFollowsAState)
 {
     ProcessorRig rig, saved;
@@ -42,6 +44,16 @@ TEST (Opening, NeedsNoPreparedProcessorAndFollowsAState)
 
     const std::unique_ptr<juce::AudioProcessorEditor> editor (rig.processor.createEditor());
     EXPECT_TRUE (editor->createComponentSnapshot (editor->getLocalBounds()).isValid());
+
+    for (const auto range : { 5, 2 })
+    {
+        dynamic_cast<juce::ComboBox*> (editor->findChildWithID ("pitchRangeBox"))
+            ->setSelectedItemIndex (range, juce::sendNotificationSync);
+        auto* dial = dynamic_cast<FollowDial*> (editor->findChildWithID ("pitchDial"));
+        ((juce::Timer&) *dial).timerCallback(); // a private base, which only this form of cast reaches
+        EXPECT_EQ (wordsOf (*dial), std::vector<juce::String> { "0.00" });
+    }
+
     rig.processor.setStateInformation (state.getData(), static_cast<int> (state.getSize()));
     EXPECT_EQ (dynamic_cast<juce::Slider*> (editor->findChildWithID ("mixerSlider"))->getValue(), 0.25);
 }

@@ -5,6 +5,7 @@
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -25,15 +26,15 @@ int endWithError (Display* display, XErrorEvent* event)
 
 /** Starts a server that ends with its last client, be it by a crash. @returns its output, once it is ready; nullptr if the
     display is taken. */
-FILE* startServer (const std::string& display, const std::string& screen)
+FILE* startServer (const std::string& display, const std::string& screen, pid_t& process)
 {
     // Without its standard error, where it warns about keyboard symbols that nobody uses; says its number when it is ready.
-    auto* server =
-        popen (("exec Xvfb " + display + " -displayfd 1 -terminate -nolisten tcp -screen 0 " + screen + " 2> /dev/null")
-                   .c_str(),
-               "r");
+    auto* server = popen (("echo $$; exec Xvfb " + display + " -displayfd 1 -terminate -nolisten tcp -screen 0 "
+                           + screen + " 2> /dev/null")
+                              .c_str(),
+                          "r");
 
-    if (server == nullptr || std::fgetc (server) != EOF)
+    if (server == nullptr || (std::fscanf (server, "%d ", &process) == 1 && std::fgetc (server) != EOF))
         return server;
 
     pclose (server);
@@ -95,13 +96,15 @@ VirtualScreen::VirtualScreen (int width, int height)
     {
         const auto number = std::to_string (1000 + (getpid() + 37 * attempt) % 1000);
         name = ":" + number;
-        server = startServer (name, screen);
+        server = startServer (name, screen, serverProcess);
     }
 
     if (server == nullptr)
         throw std::runtime_error ("Xvfb does not start");
 
     setenv ("DISPLAY", name.c_str(), 1);
+    // The framework asks for the desktop's settings, which would start a session bus on this display.
+    setenv ("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
     connection = std::make_unique<Connection> (name);
     XSetErrorHandler (endWithError);
 }
@@ -109,7 +112,8 @@ VirtualScreen::VirtualScreen (int width, int height)
 VirtualScreen::~VirtualScreen()
 {
     connection.reset();
-    pclose (server); // waits for its end
+    kill (serverProcess, SIGTERM); // whoever else is still connected
+    pclose (server);               // waits for its end
 }
 
 void VirtualScreen::moveMouse (int x, int y)

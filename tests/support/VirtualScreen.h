@@ -8,12 +8,15 @@
 #include <string>
 #include <vector>
 
+#include <sys/types.h>
+
 namespace tarvelline::test
 {
 /** An X server of its own without a monitor (Xvfb, 24 bits), with a hand at mouse and keyboard and an eye on the screen.
 
-    While it stands it is the DISPLAY of this process. It must stand before the framework first asks for a display, and
-    until the framework has shut down. One thread. A protocol error ends this process. */
+    While it stands it is the DISPLAY of this process, which from then on reaches no session bus. It must stand before the
+    framework first asks for a display, and until the framework has shut down. One thread. A protocol error ends this
+    process. */
 class VirtualScreen
 {
 public:
@@ -50,5 +53,6 @@ private:
     struct Connection;
     std::unique_ptr<Connection> connection;
     FILE* server = nullptr; // its output
+    pid_t serverProcess = 0;
 };
 } // namespace tarvelline::test

@@ -69,8 +69,18 @@ public:
     /** Opens the editor, and lets it come to rest on the screen. */
     void open (int settleMilliseconds = 200)
     {
+        makeEditor();
+        showEditor (settleMilliseconds);
+    }
+
+    void makeEditor()
+    {
         editor.reset (module->createEditorIfNeeded());
         openedSize = editor->getBounds();
+    }
+
+    void showEditor (int settleMilliseconds = 200)
+    {
         frame.setOpaque (true);
         frame.addAndMakeVisible (*editor);
         frame.setBounds (x, y, editor->getWidth(), editor->getHeight());
