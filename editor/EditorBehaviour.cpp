@@ -11,7 +11,7 @@ namespace
 constexpr float fullAspectRatio =
     1.77778f;                       // a little above 16 / 9, so that truncated widths come out whole: 288 -> 512
 constexpr int readOutTicks = 25;    // of the timer: 1.5 s
-constexpr int readOutDistance = 12; // pixels from a knob's top to the read-out's centre
+constexpr int readOutDistance = 12; // design units from a knob's top to the read-out's centre, midway to the scale
 
 /** The steps of a range box: its span in semitones. No selection counts as the first entry. */
 double selectedSteps (const juce::ComboBox& box)
@@ -93,8 +93,6 @@ void TarvellineAudioProcessorEditor::applySizeMode()
 {
     sizeMode = controls.sizeButton.getToggleState() ? 1 : 2;
     aspectRatio = fullAspectRatio / static_cast<float> (sizeMode);
-    panel.setSource (
-        backgroundImage.getClippedImage ({ backgroundImage.getWidth() / sizeMode, backgroundImage.getHeight() }));
     getConstrainer()->setFixedAspectRatio (static_cast<double> (aspectRatio));
 
     // What lies outside the window is out of reach of the Tab key and of screen readers too.
@@ -130,7 +128,8 @@ void TarvellineAudioProcessorEditor::showValueAbove (const juce::Slider& slider)
     auto& label = controls.valueLabel;
     label.setFont (controls.pitchDial.getDialFont());
     label.setText (juce::String (slider.getValue(), 2), juce::dontSendNotification);
-    label.setCentrePosition (slider.getX() + slider.getWidth() / 2, slider.getY() - readOutDistance);
+    label.setCentrePosition (slider.getX() + slider.getWidth() / 2,
+                             slider.getY() - readOutDistance * designArea.getHeight() / designHeight);
     label.setVisible (true);
     valueLabelCountdown = readOutTicks;
 }
