@@ -81,7 +81,7 @@ GLYPHS = {
     "z": (450, ["LX RX", "/qx p_", "LB RB"]),
     "0": (DIGIT_WIDTH, ["lB lC rC rB z"]),
     "1": (DIGIT_WIDTH, ["1C cC", "c_ c^"]),
-    "2": (DIGIT_WIDTH, ["LC rC r5 lB! RB"]),     # open on both sides, or it reads as an 8 where it is small
+    "2": (DIGIT_WIDTH, ["LC rC r6", "/q6 p_", "LB RB"]),     # open on both sides, or it reads as an 8 where it is small
     "3": (DIGIT_WIDTH, ["LC rC rM 3M", "LB rB rM 3M"]),
     "4": (DIGIT_WIDTH, ["l^ l2! R2", "7_ 76"]),
     "5": (DIGIT_WIDTH, ["9C lC! lM! rM rB LB"]),
@@ -160,7 +160,7 @@ def _points(tokens, width, stem, grid):
           "p": half * BAR_INSET, "q": width - half * BAR_INSET}
     ys = {"_": 0, "B": half, "m": X_HEIGHT / 2, "X": X_HEIGHT - half, "x": X_HEIGHT,
           "M": CAP_HEIGHT / 2, "C": CAP_HEIGHT - half, "^": CAP_HEIGHT, "D": DESCENT + half, "d": DESCENT,
-          ".": 112, ":": 350 + 112, "v": -110, "u": -60, "9": CAP_HEIGHT - 106 if stem < 106 else CAP_HEIGHT - stem}
+          ".": 112, ":": 350 + 112, "v": -110, "u": -60, "9": CAP_HEIGHT - 106}
     for tenth in range(1, 10):
         xs[str(tenth)] = width * tenth / 10
         ys.setdefault(str(tenth), CAP_HEIGHT * tenth / 10)
