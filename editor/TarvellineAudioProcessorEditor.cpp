@@ -19,7 +19,7 @@ constexpr juce::uint32 pointerColour = 0xffffffff;
 constexpr juce::uint32 tickColour = 0xff203040;
 constexpr juce::uint32 numberColour = 0xfffaebd7;
 constexpr juce::uint32 panelColour = 0xff728497; // of its ground
-constexpr juce::uint32 menuColour = 0xff060a10;
+constexpr juce::uint32 menuColour = 0xff04070b;
 constexpr juce::uint32 menuHighlightColour = 0xff364e65;
 constexpr juce::uint32 readOutColour = 0xc0101030;
 

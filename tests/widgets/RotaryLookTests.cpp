@@ -6,6 +6,8 @@
 #include "widgets/RotaryTick.h"
 #include "widgets/SnapSlider.h"
 
+#include "BinaryData.h"
+
 #include <gtest/gtest.h>
 
 namespace tarvelline::test
@@ -66,6 +68,15 @@ TEST_P (AtValue, PuckIsOnItsCircleAndPointsOutward)
     EXPECT_NEAR (body.y, -0.416f * 356.0f, 3.0f); // the drop is heavier at its round end
     EXPECT_NEAR (bar.x, 0.0f, 3.0f);
     EXPECT_LT (bar.y, body.y - 5.0f);
+}
+
+// A puck enlarged on a fine screen. At this size its picture for it lies on whole pixels, cut at the top.
+TEST (Puck, IsAsSharpAsAFineScreen)
+{
+    const auto picture = juce::ImageFileFormat::loadFrom (BinaryData::Puck2x_png, BinaryData::Puck2x_pngSize);
+    Rotary<MainRotaryDraw> wheel (356, 250, 0.5f);
+    const auto shown = pictureOf (wheel.slider, 2.0f).getClippedImage ({ 301, 0, 110, 101 });
+    EXPECT_EQ (differingPixels (shown, picture.getClippedImage ({ 0, 17, 110, 101 }), 2), 0);
 }
 
 // The picture scaled with the height, or its path with the width.
