@@ -20,7 +20,6 @@ public:
                             const juce::Colour* textColourToUse) override;
     juce::Font getComboBoxFont (juce::ComboBox&) override;
     void positionComboBoxText (juce::ComboBox&, juce::Label&) override;
-    juce::BorderSize<int> getLabelBorderSize (juce::Label&) override { return {}; }
 
 protected:
     /** @param buttonTextShare  height of a button's text, of the button's height */

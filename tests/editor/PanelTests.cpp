@@ -64,14 +64,14 @@ TEST (Panel, IsAsSharpAsTheScreen)
 // The dial's face half a pixel off where its place is no whole pixel of the screen, or blended with its neighbours there.
 TEST (Panel, ShowsTheDialsFaceAtFractionalScalesAsFinerOnesDo)
 {
-    for (const auto height : { 288, 306, 342, 378 })
+    for (const auto height : { 306, 342 }) // the dial at 77 and 86 pixels, 115.5 and 129 on the screen
     {
         EditorRig rig (height);
         auto dial = (rig.control ("pitchDial").getBounds().toFloat() * 1.5f).getSmallestIntegerContainer();
         const auto aboveNumber = dial.removeFromTop (dial.getHeight() / 3);
         const auto coarse = pictureOf (*rig.editor, 1.5f), fine = halved (pictureOf (*rig.editor, 3.0f));
-        EXPECT_LT (differingPixels (coarse.getClippedImage (aboveNumber), fine.getClippedImage (aboveNumber), 64), 5)
-            << height;
+        EXPECT_LT (differingPixels (coarse.getClippedImage (aboveNumber), fine.getClippedImage (aboveNumber), 12), 200)
+            << height; // about 100; blended 600
     }
 }
 
