@@ -5,8 +5,8 @@
 
 namespace tarvelline
 {
-/** A flat look on the painted panel: large text, centred in the whole of its control, menus of one line an item, and buttons without a body until they
-    are pressed. Message thread only. */
+/** A flat look on the painted panel: large text, centred in the whole of its control at its natural width, menus of one line
+    an item, and buttons without a body until they are pressed. Message thread only. */
 class FlatLookAndFeel : public juce::LookAndFeel_V4
 {
 public:

@@ -42,41 +42,41 @@ std::vector<Cover> coversOf (int pixels, float start, float length, int sources)
     return covers;
 }
 
-/** The source as it fills `place`, in whole pixels. */
+using Data = juce::Image::BitmapData;
+
+/** Of one channel; colours are stored multiplied by their alpha. */
+juce::uint8 mean (const Data& source, const Cover& row, const Cover& column, int channel)
+{
+    auto sum = 0.5f; // rounds
+
+    for (auto y = row.first; const auto rowShare : row.shares)
+    {
+        const auto* pixel = source.getPixelPointer (column.first, y++) + channel;
+
+        for (const auto share : column.shares)
+        {
+            sum += rowShare * share * *pixel;
+            pixel += source.pixelStride;
+        }
+    }
+
+    return static_cast<juce::uint8> (sum);
+}
+
+/** @param place  where the source is to lie, @param pixels  the whole pixels around that */
 juce::Image resampled (const juce::Image& source, juce::Rectangle<float> place, juce::Rectangle<int> pixels)
 {
-    using Data = juce::Image::BitmapData;
     const auto start = place.getPosition() - pixels.getPosition().toFloat();
     const auto columns = coversOf (pixels.getWidth(), start.x, place.getWidth(), source.getWidth());
     const auto rows = coversOf (pixels.getHeight(), start.y, place.getHeight(), source.getHeight());
     juce::Image result (source.getFormat(), pixels.getWidth(), pixels.getHeight(), false);
     const Data from (source, Data::readOnly), to (result, Data::writeOnly);
 
-    for (auto y = 0; y < pixels.getHeight(); ++y)
-        for (auto x = 0; x < pixels.getWidth(); ++x)
-        {
-            const auto& row = rows[static_cast<size_t> (y)];
-            const auto& column = columns[static_cast<size_t> (x)];
-
-            for (auto channel = 0; channel < from.pixelStride;
-                 ++channel) // colours are stored multiplied by their alpha
-            {
-                auto mean = 0.5f; // rounds
-
-                for (size_t j = 0; j < row.shares.size(); ++j)
-                {
-                    const auto* line = from.getPixelPointer (column.first, row.first + static_cast<int> (j)) + channel;
-                    auto lineMean = 0.0f;
-
-                    for (size_t i = 0; i < column.shares.size(); ++i)
-                        lineMean += column.shares[i] * line[static_cast<int> (i) * from.pixelStride];
-
-                    mean += row.shares[j] * lineMean;
-                }
-
-                to.getPixelPointer (x, y)[channel] = static_cast<juce::uint8> (mean);
-            }
-        }
+    for (auto y = 0; y < to.height; ++y)
+        for (auto x = 0; x < to.width; ++x)
+            for (auto channel = 0; channel < from.pixelStride; ++channel)
+                to.getPixelPointer (x, y)[channel] =
+                    mean (from, rows[static_cast<size_t> (y)], columns[static_cast<size_t> (x)], channel);
 
     return result;
 }
