@@ -26,7 +26,7 @@ SIDE_BEARING = 58
 DIGIT_WIDTH = 490        # body; every figure, plus and minus has the same advance
 
 GLYPHS = {
-    " ": (190, []),
+    " ": (134, []),
     "A": (540, ["l_ lC rC r_", "l3 r3"]),
     "B": (530, ["lM! lC! rC rM z", "lB! lM! rM rB z"]),
     "C": (520, ["r7 rC lC lB rB r3"]),
@@ -81,7 +81,7 @@ GLYPHS = {
     "z": (450, ["LX RX", "/qx p_", "LB RB"]),
     "0": (DIGIT_WIDTH, ["lB lC rC rB z"]),
     "1": (DIGIT_WIDTH, ["1C cC", "c_ c^"]),
-    "2": (DIGIT_WIDTH, ["LC rC r6", "/q6 p_", "LB RB"]),     # open on both sides, or it reads as an 8 where it is small
+    "2": (DIGIT_WIDTH, ["LC rC r6", "/q6 p_", "LB RB"]),      # open on both sides: no 8 at any size
     "3": (DIGIT_WIDTH, ["LC rC rM 3M", "LB rB rM 3M"]),
     "4": (DIGIT_WIDTH, ["l^ l2! R2", "7_ 76"]),
     "5": (DIGIT_WIDTH, ["9C lC! lM! rM rB LB"]),
@@ -131,8 +131,8 @@ class Outline:
         self.start, self.segments = start, segments
 
 
-def advance(char, tracking=0.0):
-    return GLYPHS[char][0] + 2 * SIDE_BEARING + tracking if char != " " else GLYPHS[" "][0] + 60 + tracking
+def advance(char):
+    return GLYPHS[char][0] + 2 * SIDE_BEARING
 
 
 def glyph_outlines(char, stem=STEM, grid=0.0):
@@ -275,8 +275,7 @@ def _spacing(text, cap_height, tracking, grid):
     """The way between two glyphs and the glyphs' widths, to whole steps of the grid."""
     scale = cap_height / CAP_HEIGHT
     gap = _on_grid((2 * SIDE_BEARING + tracking) * scale, grid)
-    widths = [GLYPHS[c][0] if c != " " else GLYPHS[" "][0] + 60 - 2 * SIDE_BEARING for c in text]
-    return gap, [_on_grid(width * scale, grid) for width in widths]
+    return gap, [_on_grid(GLYPHS[c][0] * scale, grid) for c in text]
 
 
 def text_path(text, x, baseline, cap_height, stem=STEM, tracking=0.0, anchor="start", grid=0.0):

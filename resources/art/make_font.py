@@ -14,7 +14,7 @@ LICENSE = ("This Font Software is licensed under the SIL Open Font License, Vers
 # The line's middle is the capitals' middle, so that a number centred in the dial looks centred.
 ASCENDER = lettering.CAP_HEIGHT + 190
 DESCENDER = -190
-STEM = 124                                           # heavier than the labels': its main use is a number at 40 % opacity
+STEM = 124                                           # heavy: its main use is a number at 40 % opacity
 EPOCH = 3786912000                                   # 2024-01-01 in font time: the same file on every run
 
 

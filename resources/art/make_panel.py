@@ -236,10 +236,11 @@ def formants(position):
 
 
 def comb(lines):
-    """Partials cut into the panel, as (x, foot, height): each a whole pixel wide in every window up from the smallest."""
+    """Partials cut into the panel, as (x, foot, height): one pixel wide in the smallest window, two in the largest."""
     cuts = "".join(f"M{num(x)} {num(foot)}v{num(-height)}" for x, foot, height in lines)
-    return [path(cuts, fill="none", stroke="#ffffff", stroke_opacity=0.22, stroke_width="2", transform="translate(1 1)"),
-            path(cuts, fill="none", stroke=INK, stroke_opacity=0.85, stroke_width="2")]
+    stroke = {"fill": "none", "stroke_width": "2"}
+    return [path(cuts, stroke="#ffffff", stroke_opacity=0.22, transform="translate(1 1)", **stroke),
+            path(cuts, stroke=INK, stroke_opacity=0.85, **stroke)]
 
 
 def timbre_mark():
@@ -272,7 +273,8 @@ def half(title, style):
 def panel(style, name):
     art = Drawing(1024, 576, "Panel")
     define_materials(art)
-    left = half("PITCH", style) + maker_mark() + key(MIDI, "midi") + label("MIDI", centre(MIDI)[0], LABEL_BASELINE, style)
+    left = half("PITCH", style) + maker_mark()
+    left += key(MIDI, "midi") + label("MIDI", centre(MIDI)[0], LABEL_BASELINE, style)
     left += piano() + knob(MIXER) + label("MIX", centre(MIXER)[0], LAST_BASELINE, style) + size_mark()
     right = half("TIMBRE", style) + timbre_mark() + strap(style)
     art.add(group(left), group(right, transform=f"translate({num(HALF)} 0)"))
