@@ -12,7 +12,7 @@ namespace
 constexpr float fullAspectRatio =
     1.77778f;                         // a little above 16 / 9, so that truncated widths come out whole: 288 -> 512
 constexpr int readOutTicks = 25;      // of the timer: 1.5 s
-constexpr int readOutDistance = 12;   // pixels from a knob's top to the read-out's centre
+constexpr int readOutDistance = 12;   // design units from a knob's top to the read-out's centre, midway to the scale
 constexpr double freeSemitones = 0.1; // of a wheel's step off its grid
 
 /** The steps of a range box: its span in semitones. No selection counts as the first entry. */
@@ -105,8 +105,6 @@ void TarvellineAudioProcessorEditor::applySizeMode()
 {
     sizeMode = controls.sizeButton.getToggleState() ? 1 : 2;
     aspectRatio = fullAspectRatio / static_cast<float> (sizeMode);
-    panel.setSource (
-        backgroundImage.getClippedImage ({ backgroundImage.getWidth() / sizeMode, backgroundImage.getHeight() }));
     getConstrainer()->setFixedAspectRatio (static_cast<double> (aspectRatio));
 
     // What lies outside the window is out of reach of the Tab key and of screen readers too.
@@ -159,7 +157,8 @@ void TarvellineAudioProcessorEditor::showValueAbove (const juce::Slider& slider)
     auto& label = controls.valueLabel;
     label.setFont (controls.pitchDial.getDialFont());
     label.setText (juce::String (slider.getValue(), 2), juce::dontSendNotification);
-    label.setCentrePosition (slider.getX() + slider.getWidth() / 2, slider.getY() - readOutDistance);
+    label.setCentrePosition (slider.getX() + slider.getWidth() / 2,
+                             slider.getY() - readOutDistance * designArea.getHeight() / designHeight);
     label.setVisible (true);
     valueLabelCountdown = readOutTicks;
 }

@@ -19,7 +19,8 @@ namespace tarvelline
 /** The plug-in's window: a pitch section, and in full size a timbre section beside it, on one painted panel.
 
     Full size shows the whole design of 1024 x 576 units; half size shows its left half in half the width. The height is
-    free from 258 to 576 pixels, the width follows from it and from the mode. What each control is bound to and where it lies
+    free from 258 to 576 pixels, the width follows from it and from the mode. In bounds of other proportions, which a host can
+    force, the panel keeps its own and lies in the middle. What each control is bound to and where it lies
     stands in ControlTables.
     Message thread only. It writes some of the processor's shared fields directly; all of them are relaxed atomics. */
 class TarvellineAudioProcessorEditor final : public juce::AudioProcessorEditor,
@@ -71,6 +72,8 @@ private:
     void applyDueSize();
     void showValueAbove (const juce::Slider&);
     int widthFor (int height) const noexcept;
+    juce::Rectangle<int> placeOfDesign() const;
+    juce::Image panelFor (float width) const;
 
     int sizeMode = 1;              // 1 = full, 2 = half: the divisor of the visible design width
     bool sizeIsDue = false;        // the size mode's, while there is no window on the screen to have it
@@ -89,8 +92,8 @@ private:
     std::unique_ptr<RotaryDisplayTick> displayTickLook = std::make_unique<RotaryDisplayTick>();
     std::unique_ptr<TarvellineLookAndFeel> mainLook = std::make_unique<TarvellineLookAndFeel>();
     std::unique_ptr<MidiOptionsLookAndFeel> midiOptionsLook = std::make_unique<MidiOptionsLookAndFeel>();
-    juce::Image backgroundImage;
-    StretchedPicture panel; // as much of the background as the window shows
+    StretchedPicture panel;          // as much of it as the window shows
+    juce::Rectangle<int> designArea; // where the panel lies in the window
     TarvellineAudioProcessor& processor;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (TarvellineAudioProcessorEditor)
