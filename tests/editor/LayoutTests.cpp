@@ -33,7 +33,7 @@ TEST (Layout, KeepsItsProportionsInForcedBounds)
          { std::tuple { false, Rectangle<int> (438, 288), Rectangle<int> (137, 33, 165, 165) },
            { false, { 256, 400 }, { 46, 89, 165, 165 } },
            { true, { 512, 400 }, { 46, 89, 165, 165 } },
-           { true, { 532, 288 }, { 56, 33, 165, 165 } },
+           { true, { 515, 288 }, { 47, 33, 165, 165 } },
            { false, { 356, 400 }, { 64, 45, 229, 229 } } })
     {
         EditorRig rig (288, full);

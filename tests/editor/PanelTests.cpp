@@ -184,7 +184,8 @@ TEST (Labels, ReadWellOnEvenBaselines)
     {
         EditorRig rig (height, true);
         const auto panel = pictureOfOnly (rig, {});
-        const auto reading = [&, divisor = 576 / height] (const char* name, int x, int y, int width, int heightOfArea)
+        const auto reading =
+            [&, least = least, divisor = 576 / height] (const char* name, int x, int y, int width, int heightOfArea)
         {
             const LabelReading label (panel, { x / divisor, y / divisor, width / divisor, heightOfArea / divisor });
             EXPECT_GE (label.contrast, least) << name << " at " << rig.editor->getHeight();
