@@ -61,6 +61,8 @@ add_subdirectory(editor)
 
 if(TARGET Tarvelline_Standalone)
     set_target_properties(Tarvelline_Standalone PROPERTIES OUTPUT_NAME tarvelline) # a command, in lower case as others
+    tarvelline_strict_sources(Tarvelline_Standalone "${PROJECT_SOURCE_DIR}/editor/StandaloneEntry.cpp")
+    target_compile_definitions(Tarvelline_Standalone PRIVATE JUCE_USE_CUSTOM_PLUGIN_STANDALONE_ENTRYPOINT=1)
 endif()
 
 if(TARGET Tarvelline_LV2)

@@ -30,14 +30,14 @@ std::array<Placement, 20> placementsOf (EditorControls& c)
     } };
 }
 
-std::array<juce::Component*, 21> zOrderOf (EditorControls& c)
+std::array<juce::Component*, 22> zOrderOf (EditorControls& c)
 {
     return { &c.pitchDial,           &c.timbreDial,         &c.pitchScaleSlider,   &c.timbreScaleSlider,
              &c.mainWheelSlider,     &c.pitchGravitySlider, &c.pitchInertiaSlider, &c.pitchSmoothSlider,
              &c.mixerSlider,         &c.pitchRangeBox,      &c.pitchSnapButton,    &c.midiModeButton,
              &c.sizeButton,          &c.keyboard,           &c.timbreWheelSlider,  &c.timbreGravitySlider,
              &c.timbreInertiaSlider, &c.timbreSmoothSlider, &c.timbreRangeBox,     &c.timbreSnapButton,
-             &c.valueLabel };
+             &c.focusRing,           &c.valueLabel };
 }
 
 std::array<juce::Slider*, 11> slidersOf (EditorControls& c)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "processor/TarvellineAudioProcessor.h"
+#include "widgets/FocusRing.h"
 #include "widgets/FollowDial.h"
 #include "widgets/HostedControl.h"
 #include "widgets/Keyboard.h"
@@ -22,22 +23,23 @@ struct EditorControls
     HostedControl<ModeButton> midiModeButton { "Multi" };
     HostedControl<SnapSlider> mainWheelSlider;
     SnapSlider pitchScaleSlider; // shows the scale; attached to nothing
-    HostedControl<juce::Slider> pitchGravitySlider;
-    HostedControl<juce::Slider> pitchInertiaSlider;
+    HostedControl<SnapSlider> pitchGravitySlider;
+    HostedControl<SnapSlider> pitchInertiaSlider;
     HostedControl<TitledBox> pitchRangeBox;
-    HostedControl<juce::Slider> pitchSmoothSlider;
-    HostedControl<juce::Slider> mixerSlider;
+    HostedControl<SnapSlider> pitchSmoothSlider;
+    HostedControl<SnapSlider> mixerSlider;
     FollowDial pitchDial;
     Keyboard keyboard;
     juce::Label valueLabel; // the read-out above a knob
     HostedControl<SnapSlider> timbreWheelSlider;
     SnapSlider timbreScaleSlider; // shows the scale; attached to nothing
     HostedControl<juce::TextButton> timbreSnapButton { "Off" };
-    HostedControl<juce::Slider> timbreGravitySlider;
-    HostedControl<juce::Slider> timbreInertiaSlider;
-    HostedControl<juce::Slider> timbreSmoothSlider;
+    HostedControl<SnapSlider> timbreGravitySlider;
+    HostedControl<SnapSlider> timbreInertiaSlider;
+    HostedControl<SnapSlider> timbreSmoothSlider;
     HostedControl<TitledBox> timbreRangeBox;
     FollowDial timbreDial;
+    FocusRing focusRing; // around the one that has the keyboard
 };
 
 /** The design space: all geometry is given in it and scaled to the window. Also the largest window, in pixels. */
@@ -69,7 +71,7 @@ struct PhysicsKnob
 };
 
 std::array<Placement, 20> placementsOf (EditorControls&);    // in the order of laying out
-std::array<juce::Component*, 21> zOrderOf (EditorControls&); // bottom to top
+std::array<juce::Component*, 22> zOrderOf (EditorControls&); // bottom to top
 std::array<juce::Slider*, 11> slidersOf (EditorControls&);   // in the order of styling
 std::array<Binding<juce::Slider>, 9> sliderBindingsOf (EditorControls&);
 std::array<Binding<juce::Button>, 4> buttonBindingsOf (EditorControls&);

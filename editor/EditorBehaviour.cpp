@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the window does once it stands: ranges, snapping, MIDI mode, size mode, the value read-out and the timer.
+#include "editor/HostKeyboard.h"
 #include "editor/TarvellineAudioProcessorEditor.h"
 
 #include <algorithm>
@@ -9,15 +10,24 @@ namespace tarvelline
 namespace
 {
 constexpr float fullAspectRatio =
-    1.77778f;                       // a little above 16 / 9, so that truncated widths come out whole: 288 -> 512
-constexpr int readOutTicks = 25;    // of the timer: 1.5 s
-constexpr int readOutDistance = 12; // pixels from a knob's top to the read-out's centre
+    1.77778f;                         // a little above 16 / 9, so that truncated widths come out whole: 288 -> 512
+constexpr int readOutTicks = 25;      // of the timer: 1.5 s
+constexpr int readOutDistance = 12;   // design units from a knob's top to the read-out's centre, midway to the scale
+constexpr double freeSemitones = 0.1; // of a wheel's step off its grid
 
 /** The steps of a range box: its span in semitones. No selection counts as the first entry. */
 double selectedSteps (const juce::ComboBox& box)
 {
     constexpr auto lastIndex = static_cast<int> (wheelRangeTable.size()) - 1;
     return wheelRangeTable[static_cast<size_t> (juce::jlimit (0, lastIndex, box.getSelectedItemIndex()))];
+}
+
+/** Whether a mouse button is down over another program's window. Nothing else tells of it: the host keeps the keyboard, so
+    this window does not lose it. */
+bool isClickedElsewhere()
+{
+    return juce::ComponentPeer::getCurrentModifiersRealtime().isAnyMouseButtonDown()
+           && juce::Desktop::getInstance().findComponentAt (juce::Desktop::getMousePosition()) == nullptr;
 }
 } // namespace
 
@@ -43,6 +53,7 @@ void TarvellineAudioProcessorEditor::applyPitchSnap (double steps)
 
     controls.pitchScaleSlider.snapTo = steps; // the scale shows the span even when snapping is off
     controls.mainWheelSlider.snapTo = grid;
+    controls.mainWheelSlider.freeStep = freeSemitones / steps;
     processor.bendSteps = grid;
 }
 
@@ -51,6 +62,7 @@ void TarvellineAudioProcessorEditor::applyTimbreSnap (double steps)
 {
     controls.timbreScaleSlider.snapTo = steps;
     controls.timbreWheelSlider.snapTo = controls.timbreSnapButton.getToggleState() ? steps : 0.0;
+    controls.timbreWheelSlider.freeStep = freeSemitones / steps;
 }
 
 void TarvellineAudioProcessorEditor::buttonClicked (juce::Button* button)
@@ -93,8 +105,6 @@ void TarvellineAudioProcessorEditor::applySizeMode()
 {
     sizeMode = controls.sizeButton.getToggleState() ? 1 : 2;
     aspectRatio = fullAspectRatio / static_cast<float> (sizeMode);
-    panel.setSource (
-        backgroundImage.getClippedImage ({ backgroundImage.getWidth() / sizeMode, backgroundImage.getHeight() }));
     getConstrainer()->setFixedAspectRatio (static_cast<double> (aspectRatio));
 
     // What lies outside the window is out of reach of the Tab key and of screen readers too.
@@ -103,11 +113,28 @@ void TarvellineAudioProcessorEditor::applySizeMode()
     for (auto& place : placementsOf (controls))
         place.control.setVisible (place.bounds.getX() < static_cast<float> (shownWidth));
 
-    if (isVisible())
+    sizeIsDue = true;
+    applyDueSize();
+}
+
+/** Only on the screen: until the host has attached its event loop to the window this may be a thread of the framework's, and
+    no host expects to be asked for a size on one. */
+void TarvellineAudioProcessorEditor::applyDueSize()
+{
+    if (sizeIsDue && getPeer() != nullptr)
     {
+        sizeIsDue = false;
         setBounds (getX(), getY(), widthFor (getHeight()), getHeight());
         resized();
     }
+}
+
+void TarvellineAudioProcessorEditor::parentHierarchyChanged()
+{
+    applyDueSize();
+
+    if (getPeer() != nullptr && processor.wrapperType != juce::AudioProcessor::wrapperType_Standalone)
+        leaveKeyboardToHost();
 }
 
 int TarvellineAudioProcessorEditor::widthFor (int height) const noexcept
@@ -130,9 +157,17 @@ void TarvellineAudioProcessorEditor::showValueAbove (const juce::Slider& slider)
     auto& label = controls.valueLabel;
     label.setFont (controls.pitchDial.getDialFont());
     label.setText (juce::String (slider.getValue(), 2), juce::dontSendNotification);
-    label.setCentrePosition (slider.getX() + slider.getWidth() / 2, slider.getY() - readOutDistance);
+    label.setCentrePosition (slider.getX() + slider.getWidth() / 2,
+                             slider.getY() - readOutDistance * designArea.getHeight() / designHeight);
     label.setVisible (true);
     valueLabelCountdown = readOutTicks;
+}
+
+/** The window itself is no stop on the way of the Tab key. */
+void TarvellineAudioProcessorEditor::focusGained (FocusChangeType cause)
+{
+    if (cause == focusChangedByTabKey)
+        moveKeyboardFocusToSibling (! juce::ModifierKeys::currentModifiers.isShiftDown());
 }
 
 int TarvellineAudioProcessorEditor::getControlParameterIndex (juce::Component& control)
@@ -154,6 +189,10 @@ void TarvellineAudioProcessorEditor::timerCallback()
 {
     if (valueLabelCountdown > 0 && --valueLabelCountdown == 0)
         controls.valueLabel.setVisible (false);
+
+    for (auto& binding : boxBindingsOf (controls))
+        if (binding.control.isPopupActive() && isClickedElsewhere())
+            binding.control.hidePopup();
 
     if (processor.voices.keysChanged)
     {

@@ -5,6 +5,8 @@
 #include "widgets/PuckRepaint.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <utility>
 
 namespace tarvelline
 {
@@ -16,6 +18,8 @@ constexpr int timerMilliseconds = 60;
 constexpr juce::uint32 pointerColour = 0xffffffff;
 constexpr juce::uint32 tickColour = 0xff203040;
 constexpr juce::uint32 numberColour = 0xfffaebd7;
+constexpr juce::uint32 panelColour = 0xff728497; // of its ground
+constexpr juce::uint32 menuColour = 0xff04070b;
 constexpr juce::uint32 menuHighlightColour = 0xff364e65;
 constexpr juce::uint32 readOutColour = 0xc0101030;
 
@@ -33,10 +37,9 @@ void refuseNaN (juce::Slider& slider)
 } // namespace
 
 TarvellineAudioProcessorEditor::TarvellineAudioProcessorEditor (TarvellineAudioProcessor& owner)
-    : AudioProcessorEditor (owner),
-      backgroundImage (juce::ImageFileFormat::loadFrom (BinaryData::background_png, BinaryData::background_pngSize)),
-      processor (owner)
+    : AudioProcessorEditor (owner), panel ([this] (float width) { return panelFor (width); }), processor (owner)
 {
+    chooseTypeface();
     showProcessorState();
     setLookColours();
     styleSliders();
@@ -57,9 +60,11 @@ TarvellineAudioProcessorEditor::TarvellineAudioProcessorEditor (TarvellineAudioP
     for (auto* control : zOrderOf (controls))
         addAndMakeVisible (control);
 
-    setOpaque (backgroundImage.isValid());
+    setOpaque (true);
 
+    setConstrainer (&dragConstrainer);
     setResizable (true, true);
+    takeKeyboardByTabAlone();
     applySizeMode();
     openAtStoredHeight();
     startTimer (timerMilliseconds);
@@ -72,8 +77,6 @@ TarvellineAudioProcessorEditor::~TarvellineAudioProcessorEditor()
     for (auto* child : getChildren()) // before any look goes
         child->setLookAndFeel (nullptr);
 
-    panel.setSource ({});
-    backgroundImage = {};
     midiOptionsLook.reset();
     mainLook.reset();
     displayTickLook.reset();
@@ -83,6 +86,14 @@ TarvellineAudioProcessorEditor::~TarvellineAudioProcessorEditor()
     buttonAttachments.clear(); // before the controls they bind
     comboBoxAttachments.clear();
     sliderAttachments.clear();
+}
+
+/** All text is in the display face where the system has no font at all; it would not be drawn otherwise. */
+void TarvellineAudioProcessorEditor::chooseTypeface()
+{
+    if (juce::Font::findAllTypefaceNames().isEmpty())
+        juce::LookAndFeel::getDefaultLookAndFeel().setDefaultSansSerifTypeface (
+            controls.pitchDial.getDialFont().getTypefacePtr());
 }
 
 void TarvellineAudioProcessorEditor::showProcessorState()
@@ -99,6 +110,7 @@ void TarvellineAudioProcessorEditor::setLookColours()
     tickLook->setColour (juce::Slider::thumbColourId, juce::Colour (pointerColour));
     displayTickLook->setColour (juce::Slider::thumbColourId, juce::Colour (tickColour));
     displayTickLook->setColour (juce::Slider::textBoxHighlightColourId, juce::Colour (numberColour));
+    mainLook->setColour (juce::PopupMenu::backgroundColourId, juce::Colour (menuColour));
     mainLook->setColour (juce::PopupMenu::highlightedBackgroundColourId, juce::Colour (menuHighlightColour));
     mainLook->setColour (juce::TextButton::buttonColourId, juce::Colours::transparentBlack);
     mainLook->setColour (juce::TextButton::buttonOnColourId, juce::Colours::transparentBlack);
@@ -230,28 +242,73 @@ void TarvellineAudioProcessorEditor::speakValues()
     }
 }
 
+/** A control takes the keyboard from the window, which holds it while none does and the host lets the window have it. */
+void TarvellineAudioProcessorEditor::takeKeyboardByTabAlone()
+{
+    setWantsKeyboardFocus (true);
+    setMouseClickGrabsKeyboardFocus (false);
+
+    for (auto* child : getChildren())
+        child->setMouseClickGrabsKeyboardFocus (false);
+}
+
 void TarvellineAudioProcessorEditor::openAtStoredHeight()
 {
     const int stored = processor.uiHeight;
     const auto height = juce::jlimit (minimumHeight, designHeight, stored != 0 ? stored : designHeight / 2);
 
+    dragConstrainer.setSizeLimits (1, minimumHeight, designWidth, designHeight); // the ratio is what limits the width
     setSize (widthFor (height), height);
-    setResizeLimits (1, minimumHeight, designWidth, designHeight); // the aspect ratio is what limits the width
-    setSize (widthFor (height), height); // the limits have fitted the height to the truncated width
+    sizeIsDue = false;
 }
 
-void TarvellineAudioProcessorEditor::paint (juce::Graphics& g) { panel.draw (g, getLocalBounds()); }
+void TarvellineAudioProcessorEditor::paint (juce::Graphics& g)
+{
+    if (designArea != getLocalBounds())
+        g.fillAll (juce::Colour (panelColour));
+
+    panel.draw (g, *this, designArea);
+}
+
+/** @param width  of what the window shows, in pixels of the screen */
+juce::Image TarvellineAudioProcessorEditor::panelFor (float width) const
+{
+    constexpr auto largestSmall = 0.75f; // of the design's size: below, lettering for small windows is easier to read
+    const auto scale = width * static_cast<float> (sizeMode) / static_cast<float> (designWidth);
+    const auto [data, size] =
+        scale <= largestSmall ? std::pair (BinaryData::backgroundSmall_png, BinaryData::backgroundSmall_pngSize)
+        : scale <= 1.0f       ? std::pair (BinaryData::background_png, BinaryData::background_pngSize)
+                              : std::pair (BinaryData::background2x_png, BinaryData::background2x_pngSize);
+    const auto whole = juce::ImageCache::getFromMemory (data, size);
+    return whole.getClippedImage ({ whole.getWidth() / sizeMode, whole.getHeight() });
+}
+
+/** The whole window where its proportions are right, to the pixel by which hosts round; else the largest place amid it that
+    has them. */
+juce::Rectangle<int> TarvellineAudioProcessorEditor::placeOfDesign() const
+{
+    const auto window = getLocalBounds();
+
+    if (std::abs (getWidth() - widthFor (getHeight())) <= 1)
+        return window;
+
+    const auto height = juce::jmin (getHeight(), juce::roundToInt (static_cast<float> (getWidth()) / aspectRatio));
+    return window.withSizeKeepingCentre (widthFor (height), height);
+}
 
 void TarvellineAudioProcessorEditor::resized()
 {
+    designArea = placeOfDesign();
     const auto scaleX =
-        static_cast<float> (getWidth()) / static_cast<float> (designWidth) * static_cast<float> (sizeMode);
-    const auto scaleY = static_cast<float> (getHeight()) / static_cast<float> (designHeight);
+        static_cast<float> (designArea.getWidth()) / static_cast<float> (designWidth) * static_cast<float> (sizeMode);
+    const auto scaleY = static_cast<float> (designArea.getHeight()) / static_cast<float> (designHeight);
 
     for (auto& [control, bounds, id, title] : placementsOf (controls))
-        control.setBounds (juce::roundToInt (scaleX * bounds.getX()), juce::roundToInt (scaleY * bounds.getY()),
-                           juce::roundToInt (scaleX * bounds.getWidth()),
-                           juce::roundToInt (scaleY * bounds.getHeight()));
+        control.setBounds (juce::Rectangle<int> (juce::roundToInt (scaleX * bounds.getX()),
+                                                 juce::roundToInt (scaleY * bounds.getY()),
+                                                 juce::roundToInt (scaleX * bounds.getWidth()),
+                                                 juce::roundToInt (scaleY * bounds.getHeight()))
+                           + designArea.getPosition());
 
     if (isVisible()) // not while the window is still being made
         processor.uiHeight = getHeight();

@@ -29,6 +29,16 @@ void FlatLookAndFeel::drawButtonBackground (juce::Graphics& g, juce::Button& but
     g.fillRoundedRectangle (button.getLocalBounds().toFloat().reduced (0.5f), cornerSize);
 }
 
+/** In the whole button, at its natural width: the framework would squeeze it between two margins. */
+void FlatLookAndFeel::drawButtonText (juce::Graphics& g, juce::TextButton& button, bool, bool)
+{
+    const auto colourId =
+        button.getToggleState() ? juce::TextButton::textColourOnId : juce::TextButton::textColourOffId;
+    g.setFont (getTextButtonFont (button, button.getHeight()));
+    g.setColour (button.findColour (colourId).withMultipliedAlpha (button.isEnabled() ? 1.0f : disabledAlpha));
+    g.drawText (button.getButtonText(), button.getLocalBounds(), juce::Justification::centred, false);
+}
+
 juce::Font FlatLookAndFeel::getTextButtonFont (juce::TextButton&, int buttonHeight)
 {
     return juce::Font (juce::jmax (minimumButtonText, static_cast<float> (buttonHeight) * textShare));

@@ -5,13 +5,14 @@
 
 namespace tarvelline
 {
-/** A flat look on the painted panel: large centred text, menus of one line an item, and buttons without a body until they
-    are pressed. Message thread only. */
+/** A flat look on the painted panel: large text, centred in the whole of its control at its natural width, menus of one line
+    an item, and buttons without a body until they are pressed. Message thread only. */
 class FlatLookAndFeel : public juce::LookAndFeel_V4
 {
 public:
     void drawButtonBackground (juce::Graphics&, juce::Button&, const juce::Colour& backgroundColour,
                                bool isMouseOverButton, bool isButtonDown) override;
+    void drawButtonText (juce::Graphics&, juce::TextButton&, bool isMouseOverButton, bool isButtonDown) override;
     juce::Font getTextButtonFont (juce::TextButton&, int buttonHeight) override;
     void drawPopupMenuItem (juce::Graphics&, const juce::Rectangle<int>& area, bool isSeparator, bool isActive,
                             bool isHighlighted, bool isTicked, bool hasSubMenu, const juce::String& text,

@@ -17,10 +17,15 @@ constexpr float infoOpacity = 0.6f;
 constexpr float numberOpacity = 0.4f;
 constexpr auto textColour = 0xfff5f5f5;
 
-constexpr float pictureSize = 222.0f; // pixels: width and height of the ring's picture
+constexpr float pictureSize = 222.0f; // pixels: natural width and height of the ring's picture
 
 /** Around the index mark in that picture, in its pixels; all it holds of the ring itself is transparent. */
 const juce::Rectangle<int> markInPicture (105, 7, 12, 21);
+
+juce::Rectangle<int> markIn (const juce::Image& picture)
+{
+    return markInPicture * juce::roundToInt (static_cast<float> (picture.getWidth()) / pictureSize);
+}
 
 // Of the dial's height
 constexpr float numberHeight = 1.0f / 6.0f;
@@ -46,14 +51,12 @@ juce::String formatName (juce::AudioProcessor::WrapperType type)
 } // namespace
 
 FollowDial::FollowDial()
-    : ring (juce::ImageCache::getFromMemory (BinaryData::followWheel_png, BinaryData::followWheel_pngSize)),
+    : ring (BinaryData::followWheel_png, BinaryData::followWheel_pngSize, BinaryData::followWheel2x_png,
+            BinaryData::followWheel2x_pngSize),
+      face ([this] (float width) { return faceFor (width); }),
       dialFont (juce::Typeface::createSystemTypefaceFor (BinaryData::scifi2k2_ttf, BinaryData::scifi2k2_ttfSize)),
       flashCounter (flashLength + flashDelay)
 {
-    auto plainRing = ring.createCopy(); // the picture is shared
-    plainRing.clear (markInPicture);
-    face.setSource (plainRing);
-
     setInterceptsMouseClicks (false, false);
     startTimer (pollMilliseconds);
 }
@@ -68,7 +71,7 @@ void FollowDial::setUp (TarvellineAudioProcessor& processor, int wheelIndex)
 
 std::unique_ptr<juce::AccessibilityHandler> FollowDial::createAccessibilityHandler()
 {
-    return speakingHandler (*this, [this] { return juce::String (shownValue, 2) + " semitones"; });
+    return speakingHandler (*this, [this] { return numberText() + " semitones"; });
 }
 
 void FollowDial::timerCallback()
@@ -76,10 +79,10 @@ void FollowDial::timerCallback()
     if (wheel == nullptr)
         return;
 
-    // Before the first prepareToPlay the wheel has no span, and its point means nothing yet: the centre is shown.
-    const double span = wheel->span;
-    const auto newPosition = span > 0.0 ? static_cast<float> (wheel->point) : 0.5f;
-    const auto newValue = span > 0.0 ? static_cast<float> (span) * (newPosition - 0.5f) : 0.0f;
+    // Before the first prepareToPlay the wheel has no time scale, and its point means nothing yet, even if a range has been
+    // chosen: the centre is shown.
+    const auto newPosition = wheel->timeScale > 0.0 ? static_cast<float> (wheel->point) : 0.5f;
+    const auto newValue = static_cast<float> (wheel->span) * (newPosition - 0.5f);
     const auto oldOpacity = infoLineOpacity();
 
     if (flashCounter > 0)
@@ -113,12 +116,29 @@ void FollowDial::paint (juce::Graphics& g)
 
 void FollowDial::drawRing (juce::Graphics& g)
 {
-    face.draw (g, getLocalBounds());
+    face.draw (g, *this, getLocalBounds());
 
-    if (ring.isValid())
-        g.drawImageTransformed (
-            ring.getClippedImage (markInPicture),
-            juce::AffineTransform::translation (markInPicture.getPosition().toFloat()).followedBy (ringTransform()));
+    const auto scale = g.getInternalContext().getPhysicalPixelScaleFactor();
+    const auto& picture = ring.at (static_cast<float> (getWidth()) / pictureSize * scale);
+
+    if (picture.isValid())
+    {
+        const auto mark = markIn (picture);
+        g.drawImageTransformed (picture.getClippedImage (mark),
+                                juce::AffineTransform::translation (mark.getPosition().toFloat())
+                                    .followedBy (ring.toNatural (picture))
+                                    .followedBy (ringTransform()));
+    }
+}
+
+juce::Image FollowDial::faceFor (float width) const
+{
+    auto picture = ring.at (width / pictureSize).createCopy(); // others share it
+
+    if (picture.isValid())
+        picture.clear (markIn (picture));
+
+    return picture;
 }
 
 void FollowDial::drawNumber (juce::Graphics& g) const
@@ -126,7 +146,13 @@ void FollowDial::drawNumber (juce::Graphics& g) const
     g.setFont (dialFont.withHeight (static_cast<float> (getHeight()) * numberHeight));
     g.setColour (juce::Colour (textColour));
     g.setOpacity (numberOpacity);
-    g.drawText (juce::String (shownValue, 2), numberBox(), juce::Justification::centred);
+    g.drawText (numberText(), numberBox(), juce::Justification::centred);
+}
+
+juce::String FollowDial::numberText() const
+{
+    const juce::String text (shownValue, 2);
+    return text == "-0.00" ? "0.00" : text;
 }
 
 void FollowDial::drawInfoLine (juce::Graphics& g) const

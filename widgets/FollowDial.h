@@ -2,6 +2,7 @@
 #pragma once
 
 #include "processor/TarvellineAudioProcessor.h"
+#include "widgets/ScalablePicture.h"
 #include "widgets/StretchedPicture.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
@@ -39,6 +40,8 @@ private:
     void drawNumber (juce::Graphics&) const;
     void drawInfoLine (juce::Graphics&) const;
     float infoLineOpacity() const noexcept;
+    juce::Image faceFor (float width) const;
+    juce::String numberText() const;
     juce::AffineTransform ringTransform() const;
     juce::Rectangle<int> markArea() const;
     juce::Rectangle<float> numberBox() const;
@@ -49,7 +52,7 @@ private:
     float position = 0.5f;   // of the wheel's moving point, 0..1
     float shownValue = 0.0f; // semitones
     juce::Slider::RotaryParameters sweep {};
-    juce::Image ring;
+    ScalablePicture ring;
     StretchedPicture face; // the ring without its index mark
     juce::Font dialFont;
     juce::String infoText;

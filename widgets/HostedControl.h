@@ -3,8 +3,6 @@
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
-#include <type_traits>
-
 namespace tarvelline
 {
 /** Opens the host's own menu for the parameter that a control of an editor is bound to, as getControlParameterIndex() has it.
@@ -12,7 +10,7 @@ namespace tarvelline
 bool showHostMenu (juce::Component& control);
 
 /** A control with the manners that hosts expect: a right click opens the host's menu for its parameter, where there is one, and
-    does nothing else; a value stepped with the arrow keys is one gesture, like a drag. Message thread only. */
+    does nothing else. Message thread only. */
 template <typename Control>
 class HostedControl : public Control
 {
@@ -43,25 +41,6 @@ public:
     {
         if (! hostHasClick)
             Control::mouseDoubleClick (event);
-    }
-
-    bool keyPressed (const juce::KeyPress& key) override
-    {
-        if constexpr (std::is_base_of_v<juce::Slider, Control>)
-        {
-            using Key = juce::KeyPress;
-
-            for (const auto arrow : { Key::leftKey, Key::rightKey, Key::upKey, Key::downKey })
-            {
-                if (key == Key (arrow))
-                {
-                    const juce::Slider::ScopedDragNotification gesture (*this);
-                    return Control::keyPressed (key);
-                }
-            }
-        }
-
-        return Control::keyPressed (key);
     }
 
 private:

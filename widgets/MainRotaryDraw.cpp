@@ -15,7 +15,7 @@ float scaleIn (juce::Rectangle<int> wheel) { return static_cast<float> (wheel.ge
 } // namespace
 
 MainRotaryDraw::MainRotaryDraw()
-    : puckImg (juce::ImageCache::getFromMemory (BinaryData::Puck_png, BinaryData::Puck_pngSize))
+    : puck (BinaryData::Puck_png, BinaryData::Puck_pngSize, BinaryData::Puck2x_png, BinaryData::Puck2x_pngSize)
 {
 }
 
@@ -23,12 +23,14 @@ void MainRotaryDraw::drawRotarySlider (juce::Graphics& g, int x, int y, int widt
                                        float sliderPosProportional, float rotaryStartAngle, float rotaryEndAngle,
                                        juce::Slider&)
 {
-    if (! puckImg.isValid() || g.isClipEmpty())
+    const juce::Rectangle<int> wheel (x, y, width, height);
+    const auto& picture = puck.at (scaleIn (wheel) * g.getInternalContext().getPhysicalPixelScaleFactor());
+
+    if (! picture.isValid() || g.isClipEmpty())
         return;
 
-    g.drawImageTransformed (
-        puckImg,
-        puckTransform ({ x, y, width, height }, rotaryAngle (sliderPosProportional, rotaryStartAngle, rotaryEndAngle)));
+    const auto angle = rotaryAngle (sliderPosProportional, rotaryStartAngle, rotaryEndAngle);
+    g.drawImageTransformed (picture, puck.toNatural (picture).followedBy (puckTransform (wheel, angle)));
 }
 
 juce::Rectangle<int> MainRotaryDraw::puckArea (juce::Slider& wheel) const
@@ -39,7 +41,7 @@ juce::Rectangle<int> MainRotaryDraw::puckArea (juce::Slider& wheel) const
 
     // The picture's ink lies within the ellipse that fills it: its corners are transparent. So the circle around that
     // ellipse holds the puck at every angle, in as little as half the pixels of the turned picture's rectangle.
-    const auto picture = puckImg.getBounds().toFloat();
+    const auto picture = puck.getBounds();
     const auto diameter = juce::jmax (picture.getWidth(), picture.getHeight()) * scaleIn (wheel.getLocalBounds());
 
     return juce::Rectangle<float> (diameter, diameter)
@@ -52,7 +54,7 @@ juce::AffineTransform MainRotaryDraw::puckTransform (juce::Rectangle<int> wheel,
 {
     const auto centre = juce::Point<int> (wheel.getX() + wheel.getWidth() / 2, wheel.getY() + wheel.getHeight() / 2);
     const auto radius = static_cast<float> (juce::jmin (wheel.getWidth(), wheel.getHeight())) * pathRadius;
-    const auto imageCentre = puckImg.getBounds().toFloat().getCentre();
+    const auto imageCentre = puck.getBounds().getCentre();
 
     return juce::AffineTransform::rotation (angle, imageCentre.x, imageCentre.y)
         .translated (-imageCentre)

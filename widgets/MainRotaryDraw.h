@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "widgets/ScalablePicture.h"
+
 #include <juce_gui_basics/juce_gui_basics.h>
 
 namespace tarvelline
@@ -21,6 +23,6 @@ public:
 private:
     juce::AffineTransform puckTransform (juce::Rectangle<int> wheel, float angle) const;
 
-    juce::Image puckImg;
+    ScalablePicture puck;
 };
 } // namespace tarvelline

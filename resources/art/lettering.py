@@ -26,7 +26,7 @@ SIDE_BEARING = 58
 DIGIT_WIDTH = 490        # body; every figure, plus and minus has the same advance
 
 GLYPHS = {
-    " ": (190, []),
+    " ": (134, []),
     "A": (540, ["l_ lC rC r_", "l3 r3"]),
     "B": (530, ["lM! lC! rC rM z", "lB! lM! rM rB z"]),
     "C": (520, ["r7 rC lC lB rB r3"]),
@@ -81,7 +81,7 @@ GLYPHS = {
     "z": (450, ["LX RX", "/qx p_", "LB RB"]),
     "0": (DIGIT_WIDTH, ["lB lC rC rB z"]),
     "1": (DIGIT_WIDTH, ["1C cC", "c_ c^"]),
-    "2": (DIGIT_WIDTH, ["l7 lC rC rM lM lB! RB"]),
+    "2": (DIGIT_WIDTH, ["LC rC r6", "/q6 p_", "LB RB"]),      # open on both sides: no 8 at any size
     "3": (DIGIT_WIDTH, ["LC rC rM 3M", "LB rB rM 3M"]),
     "4": (DIGIT_WIDTH, ["l^ l2! R2", "7_ 76"]),
     "5": (DIGIT_WIDTH, ["9C lC! lM! rM rB LB"]),
@@ -131,33 +131,41 @@ class Outline:
         self.start, self.segments = start, segments
 
 
-def advance(char, tracking=0.0):
-    return GLYPHS[char][0] + 2 * SIDE_BEARING + tracking if char != " " else GLYPHS[" "][0] + 60 + tracking
+def advance(char):
+    return GLYPHS[char][0] + 2 * SIDE_BEARING
 
 
-def glyph_outlines(char, stem=STEM):
-    """The contours of a glyph standing at x = 0 on the baseline, y upwards; they overlap, all filled by winding."""
+def glyph_outlines(char, stem=STEM, grid=0.0):
+    """The contours of a glyph standing at x = 0 on the baseline, y upwards; they overlap, all filled by winding. With
+    a grid the body's width is a multiple of it, and level strokes start on its lines."""
     width, strokes = GLYPHS[char]
+    width = max(_on_grid(width, grid), stem) if grid else width
     outlines = []
     for stroke in strokes:
         if stroke.startswith("/"):
-            (start, _), (end, _) = _points(stroke[1:].split(), width, stem)
+            (start, _), (end, _) = _points(stroke[1:].split(), width, stem, grid)
             outlines.append(_level_bar(start, end, stem / 2))
         else:
-            outlines += _outline_stroke(stroke.split(), width, stem)
+            outlines += _outline_stroke(stroke.split(), width, stem, grid)
     return outlines
 
 
-def _points(tokens, width, stem):
+def _on_grid(value, grid):
+    return round(value / grid) * grid if grid else value
+
+
+def _points(tokens, width, stem, grid):
     half = stem / 2
-    xs = {"L": 0, "l": half, "c": width / 2, "r": width - half, "R": width,
+    xs = {"L": 0, "l": half, "c": _on_grid(width / 2 - half, grid) + half, "r": width - half, "R": width,
           "p": half * BAR_INSET, "q": width - half * BAR_INSET}
     ys = {"_": 0, "B": half, "m": X_HEIGHT / 2, "X": X_HEIGHT - half, "x": X_HEIGHT,
           "M": CAP_HEIGHT / 2, "C": CAP_HEIGHT - half, "^": CAP_HEIGHT, "D": DESCENT + half, "d": DESCENT,
-          ".": 112, ":": 350 + 112, "v": -110, "u": -60, "9": CAP_HEIGHT - 106 if stem < 106 else CAP_HEIGHT - stem}
+          ".": 112, ":": 350 + 112, "v": -110, "u": -60, "9": CAP_HEIGHT - 106}
     for tenth in range(1, 10):
         xs[str(tenth)] = width * tenth / 10
         ys.setdefault(str(tenth), CAP_HEIGHT * tenth / 10)
+    for level in "M12345678":
+        ys[level] = _on_grid(ys[level] - half, grid) + half
     return [((xs[t[0]], ys[t[1]]), t.endswith("!")) for t in tokens]
 
 
@@ -170,9 +178,9 @@ def _level_bar(start, end, half):
                                                 (end[0] - cut, end[1]), (start[0] - cut, start[1])])
 
 
-def _outline_stroke(tokens, width, stem):
+def _outline_stroke(tokens, width, stem, grid):
     closed = tokens[-1] == "z"
-    marked = _points(tokens[:-1] if closed else tokens, width, stem)
+    marked = _points(tokens[:-1] if closed else tokens, width, stem, grid)
     points = [p for p, _ in marked]
     radii = [0.0 if sharp else _corner_radius(points, i, closed) for i, (_, sharp) in enumerate(marked)]
     left, right = (_offset(points, radii, side * stem / 2, closed) for side in (1, -1))
@@ -257,25 +265,35 @@ def _unit(a, b):
     return ((b[0] - a[0]) / length, (b[1] - a[1]) / length)
 
 
-def text_width(text, cap_height, tracking=0.0):
+def text_width(text, cap_height, tracking=0.0, grid=0.0):
     """Width of the inked text, without the side bearings of its ends; tracking is in 1/1000 em."""
-    total = sum(advance(c, tracking) for c in text) - tracking - 2 * SIDE_BEARING
-    return total * cap_height / CAP_HEIGHT
+    gap, bodies = _spacing(text, cap_height, tracking, grid)
+    return sum(bodies) + gap * (len(text) - 1)
 
 
-def text_path(text, x, baseline, cap_height, stem=STEM, tracking=0.0, anchor="start"):
-    """SVG path data of a line of text, y downwards; anchor is "start", "middle" or "end"."""
+def _spacing(text, cap_height, tracking, grid):
+    """The way between two glyphs and the glyphs' widths, to whole steps of the grid."""
     scale = cap_height / CAP_HEIGHT
-    pen = x - {"start": 0, "middle": 0.5, "end": 1}[anchor] * text_width(text, cap_height, tracking)
+    gap = _on_grid((2 * SIDE_BEARING + tracking) * scale, grid)
+    return gap, [_on_grid(GLYPHS[c][0] * scale, grid) for c in text]
+
+
+def text_path(text, x, baseline, cap_height, stem=STEM, tracking=0.0, anchor="start", grid=0.0):
+    """SVG path data of a line of text, y downwards; anchor is "start", "middle" or "end". With a grid, which is in the
+    drawing's units, upright and level strokes start on its lines: pixels, so that no stroke is smeared over two."""
+    scale = cap_height / CAP_HEIGHT
+    gap, bodies = _spacing(text, cap_height, tracking, grid)
+    share = {"start": 0, "middle": 0.5, "end": 1}[anchor]
+    pen = _on_grid(x - share * text_width(text, cap_height, tracking, grid), grid)
     data = []
-    for char in text:
-        for outline in glyph_outlines(char, stem):
+    for char, body in zip(text, bodies):
+        for outline in glyph_outlines(char, stem, grid / scale):
             place = lambda p: " ".join(f"{pen + p[i] * scale:.2f} {baseline - p[i + 1] * scale:.2f}"
                                        for i in range(0, len(p), 2))
             data.append("M" + place(outline.start))
             data += [("L" if len(s) == 2 else "Q") + place(s) for s in outline.segments]
             data.append("Z")
-        pen += advance(char, tracking) * scale
+        pen += body + gap
     return "".join(data)
 
 

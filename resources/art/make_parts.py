@@ -6,6 +6,7 @@ import lettering
 from svg import INK, ORANGE, Drawing, circle, group, path, rect
 
 HERE = pathlib.Path(__file__).parent
+RESOURCES = HERE.parent                  # what is compiled in as it is
 
 # The drop points up, that is outward from the wheel's centre at every angle. Its shading has no side, as it turns.
 DROP = "M23 1.6C26.6 8.2 43.4 13.6 43.4 29.6A20.4 20.4 0 0 1 2.6 29.6C2.6 13.6 19.4 8.2 23 1.6Z"
@@ -15,7 +16,7 @@ POINTER = rect(20.6, 7.6, 4.8, 16.4, 2.4, fill=ORANGE)
 def puck_shape():
     drawing = Drawing(46, 51, "Puck")
     drawing.add(group([group([path(DROP, fill="#ffffff", stroke="#16202b", stroke_width="2.2"), POINTER])]))
-    drawing.save(HERE / "puck.svg")
+    drawing.save(RESOURCES / "puck.svg")
 
 
 def puck_picture():
@@ -42,7 +43,7 @@ def follow_wheel():
     hub, rim = 82.0 / radius, 104.7 / radius                   # the edges of the band
     drawing = Drawing(size, size, "Ring that follows the wheel")
     drawing.radial("ring", centre, centre, radius, [
-        (0, "#0a0e14"), (0.68, "#0d131a"), (0.715, "#121a23"), (hub - 0.014, "#05080b"), (hub, "#05080b"),
+        (0, "#12161b"), (0.69, "#12161b"), (0.715, "#161d26"), (hub - 0.014, "#05080b"), (hub, "#05080b"),
         (hub + 0.008, "#05080b", 0), (rim - 0.004, "#1a232d", 0), (rim + 0.003, "#1a232d"), (0.962, "#1a232d"),
         (0.97, "#8b9dae"), (0.979, "#ffffff"), (0.985, "#b4c1cd"), (1, "#4f6072")])
     shapes = [circle(centre, centre, radius, fill="url(#ring)")]
@@ -50,7 +51,7 @@ def follow_wheel():
     shapes += [rect(centre - half - edge, top, 2 * (half + edge), bottom - top, half + edge, fill="#0b1118"),
                rect(centre - half, top + edge, 2 * half, bottom - top - 2 * edge, half, fill=ORANGE)]
     drawing.add(group([group(shapes)]))
-    drawing.save(HERE / "followWheel.svg")
+    drawing.save(RESOURCES / "followWheel.svg")
 
 
 def key_shapes():
@@ -60,15 +61,15 @@ def key_shapes():
     for name, index in first_of_kind.items():
         drawing = Drawing(10, 35, f"Lit {name} key")
         drawing.add(group([group([path(keyboard.white_key_path(index), fill="rgb(249,126,4)")])], transform=scale))
-        drawing.save(HERE / f"Key{name}.svg")
+        drawing.save(RESOURCES / f"Key{name}.svg")
     drawing = Drawing(6, 22, "Lit black key")
     drawing.add(group([group([path("M0 0H6V22H0Z", fill="rgb(249,126,4)")])]))
-    drawing.save(HERE / "KeySharp.svg")
+    drawing.save(RESOURCES / "KeySharp.svg")
     for name, width, height in (("blackKey", 7, 20), ("whiteKey", 8, 39)):
         drawing = Drawing(width, height, "Key bar")
         drawing.add(group([group([rect(0.5, 0.5, width - 1.0, height - 1.0, fill="rgb(255,127,0)", stroke="#000000",
                                        stroke_width="1")])]))
-        drawing.save(HERE / f"{name}.svg")
+        drawing.save(RESOURCES / f"{name}.svg")
 
 
 def logo():

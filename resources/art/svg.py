@@ -1,7 +1,7 @@
 """A few lines of SVG writing shared by the art generators, and the colours of the house."""
 import math
 
-INK = "#101924"            # engraved lettering and marks
+INK = "#060a10"            # engraved lettering and marks
 ORANGE = "#f97e04"         # the one accent; also the lit keys, rgb(249,126,4)
 WINDOW_TOP, WINDOW_BOTTOM = "#0b1017", "#1a2430"
 

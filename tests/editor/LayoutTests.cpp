@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/editor/EditorRig.h"
+#include "tests/support/DrawnText.h"
+#include "tests/support/PixelMeters.h"
 
 namespace tarvelline::test
 {
@@ -7,8 +9,7 @@ namespace
 {
 using juce::Rectangle;
 
-// A half mode that squeezes the whole design, one factor for both axes, or edges rounded instead of sizes; a control that is
-// not on its place in the artwork.
+// A half mode that squeezes the whole design, one factor for both axes, or edges rounded instead of sizes.
 TEST (Layout, ScalesEachAxisByItself)
 {
     for (const auto& [height, full, control, bounds] :
@@ -23,14 +24,45 @@ TEST (Layout, ScalesEachAxisByItself)
            { 258, true, "keyboard", { 40, 236, 150, 16 } },
            { 258, true, "timbreDial", { 294, 54, 99, 99 } } })
         EXPECT_EQ (EditorRig (height, full).control (control).getBounds(), bounds) << control << " at " << height;
+}
 
-    EditorRig rig (576, true);
+// Circles stretched to ellipses where a host forces other proportions, and proportions "mended" that are right as hosts round.
+TEST (Layout, KeepsItsProportionsInForcedBounds)
+{
+    for (const auto& [full, window, wheel] :
+         { std::tuple { false, Rectangle<int> (438, 288), Rectangle<int> (137, 33, 165, 165) },
+           { false, { 256, 400 }, { 46, 89, 165, 165 } },
+           { true, { 512, 400 }, { 46, 89, 165, 165 } },
+           { true, { 515, 288 }, { 47, 33, 165, 165 } },
+           { false, { 356, 400 }, { 64, 45, 229, 229 } } })
+    {
+        EditorRig rig (288, full);
+        rig.editor->setBounds (window);
+        EXPECT_EQ (rig.control ("mainWheelSlider").getBounds(), wheel) << window.toString();
+        EXPECT_EQ (rig.processor.uiHeight, window.getHeight());
 
-    for (const juce::String control :
-         { "ScaleSlider", "GravitySlider", "InertiaSlider", "SmoothSlider", "RangeBox", "SnapButton" })
-        EXPECT_EQ (rig.control ("timbre" + control).getBounds(),
-                   rig.control ("pitch" + control).getBounds() + juce::Point (512, 0))
-            << control;
+        const auto around =
+            pictureOf (*rig.editor).getPixelAt (0, window.getHeight() - 1); // ground, not the panel's lower edge
+        EXPECT_EQ (luminance (around) > 0.15, window.getWidth() != 356) << window.toString();
+    }
+}
+
+// A dial over the wheel, whose puck it would hide; both dials on one wheel.
+TEST (Dials, LieUnderTheirWheelsAndFollowThem)
+{
+    EditorRig rig (288, true);
+
+    for (const auto& [dial, wheel, record] : { std::tuple { "pitchDial", "mainWheelSlider", &rig.processor.mainWheel },
+                                               { "timbreDial", "timbreWheelSlider", &rig.processor.timbWheel } })
+    {
+        EXPECT_LT (rig.editor->getIndexOfChildComponent (&rig.control (dial)),
+                   rig.editor->getIndexOfChildComponent (&rig.control (wheel)));
+        record->point = 0.75;
+        ((juce::Timer&) rig.control<FollowDial> (dial)).timerCallback(); // a private base, which only this cast reaches
+        EXPECT_EQ (wordsOf (rig.control (dial)), std::vector<juce::String> { "3.00" }) << dial;
+        record->point = 0.5;
+        ((juce::Timer&) rig.control<FollowDial> (dial)).timerCallback();
+    }
 }
 
 // A height that the limits fit to a truncated width (500 opens at 499), or a stored one that no window can have.
@@ -48,22 +80,8 @@ TEST (Opening, TakesTheStoredHeight)
     }
 }
 
-TEST (SizeToggle, KeepsPlaceAndHeight)
-{
-    EditorRig rig (400);
-    rig.editor->setTopLeftPosition (30, 40);
-    rig.toggle ("sizeButton", true);
-    EXPECT_EQ (rig.editor->getBounds(), Rectangle<int> (30, 40, 711, 400));
-    EXPECT_EQ (rig.control ("mainWheelSlider").getX(), 64); // laid out anew: 91.5 * 711 / 1024
-    EXPECT_NEAR (rig.editor->getConstrainer()->getFixedAspectRatio(), 1.77778, 1.0e-6);
-
-    rig.toggle ("sizeButton", false);
-    EXPECT_EQ (rig.editor->getBounds(), Rectangle<int> (30, 40, 355, 400));
-    EXPECT_NEAR (rig.editor->getConstrainer()->getFixedAspectRatio(), 0.88889, 1.0e-6);
-    EXPECT_EQ (rig.processor.uiHeight, 400);
-}
-
-TEST (Resizing, HasLimitsAndIsRecordedForTheNextWindow)
+// Limits that a host does not know of, or a ratio that reaches out of the window that a host gives to the editor.
+TEST (Resizing, HasLimitsButTakesAHostsBounds)
 {
     EditorRig rig;
     const auto& limits = *rig.editor->getConstrainer();
@@ -73,11 +91,8 @@ TEST (Resizing, HasLimitsAndIsRecordedForTheNextWindow)
     EXPECT_EQ (limits.getMaximumWidth(), 1024);
     EXPECT_EQ (limits.getMaximumHeight(), 576);
 
-    rig.editor->setSize (355, 400);
-    EXPECT_EQ (rig.processor.uiHeight, 400);
-    rig.open();
-    EXPECT_EQ (rig.editor->getHeight(), 400);
+    rig.editor->setBoundsConstrained ({ 438, 288 });
+    EXPECT_EQ (rig.editor->getBounds(), Rectangle<int> (438, 288));
 }
-
 } // namespace
 } // namespace tarvelline::test

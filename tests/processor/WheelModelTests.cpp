@@ -170,8 +170,8 @@ TEST (Wheel, StaysWhereARestoreHasPutItWhileAudioRuns)
         rig.processor.setStateInformation (state.getData(), static_cast<int> (state.getSize()));
         audio.waitForBlocks (2);
 
-        // Not equal: a block that had begun may have moved it on by some 1e-5, towards where the wheel stood.
-        lost += std::abs (rig.processor.mainWheel.point - rig.get (mainWheelPar)) < 1.0e-3 ? 0 : 1;
+        // Not equal: a block that had begun with the wheel's old value makes it swing a little. The other place is 0.6 away.
+        lost += std::abs (rig.processor.mainWheel.point - rig.get (mainWheelPar)) < 0.05 ? 0 : 1;
     }
 
     EXPECT_EQ (lost, 0);

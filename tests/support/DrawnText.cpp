@@ -28,6 +28,7 @@ public:
                                position.x,
                                position.y,
                                font.getHeight(),
+                               font.getHorizontalScale(),
                                font.getTypefacePtr()->getName(),
                                stack->fillType.colour });
         else

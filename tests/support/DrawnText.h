@@ -15,6 +15,7 @@ struct DrawnText
     float right = 0.0f;
     float baseline = 0.0f;
     float height = 0.0f;   // of the font
+    float squeeze = 1.0f;  // drawn width over natural width
     juce::String typeface; // its family
     juce::Colour colour;   // with the opacity it was drawn in
 };

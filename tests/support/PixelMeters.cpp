@@ -19,18 +19,6 @@ void forEachPixel (const juce::Image& image, juce::Rectangle<int> area, Visit&& 
         for (auto x = area.getX(); x < area.getRight(); ++x)
             visit (juce::Point<int> (x, y), pixels.getPixelColour (x, y));
 }
-
-double luminance (juce::Colour colour)
-{
-    const auto linear = [] (float channel)
-    {
-        const auto value = static_cast<double> (channel);
-        return value <= 0.04045 ? value / 12.92 : std::pow ((value + 0.055) / 1.055, 2.4);
-    };
-
-    return 0.2126 * linear (colour.getFloatRed()) + 0.7152 * linear (colour.getFloatGreen())
-           + 0.0722 * linear (colour.getFloatBlue());
-}
 } // namespace
 
 bool isInk (juce::Colour colour) { return colour.getAlpha() >= 128; }
@@ -41,9 +29,9 @@ bool isOrange (juce::Colour colour)
            && colour.getBlue() < 90;
 }
 
-juce::Image pictureOf (juce::Component& component)
+juce::Image pictureOf (juce::Component& component, float scale)
 {
-    return component.createComponentSnapshot (component.getLocalBounds(), true, 1.0f);
+    return component.createComponentSnapshot (component.getLocalBounds(), true, scale);
 }
 
 std::vector<float> litRuns (const juce::Image& image, juce::Point<float> centre, float radius, const PixelTest& isLit)
@@ -124,6 +112,18 @@ int differingPixels (const juce::Image& first, const juce::Image& second, int to
                   });
 
     return count;
+}
+
+double luminance (juce::Colour colour)
+{
+    const auto linear = [] (float channel)
+    {
+        const auto value = static_cast<double> (channel);
+        return value <= 0.04045 ? value / 12.92 : std::pow ((value + 0.055) / 1.055, 2.4);
+    };
+
+    return 0.2126 * linear (colour.getFloatRed()) + 0.7152 * linear (colour.getFloatGreen())
+           + 0.0722 * linear (colour.getFloatBlue());
 }
 
 double contrastRatio (juce::Colour first, juce::Colour second)

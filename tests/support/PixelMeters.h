@@ -14,8 +14,8 @@ using PixelTest = std::function<bool (juce::Colour)>;
 bool isInk (juce::Colour);    // more opaque than not
 bool isOrange (juce::Colour); // the accent: of the puck's bar, the dial's mark and the lit keys
 
-/** What a component and its children paint, one pixel a unit; transparent where they paint nothing. */
-juce::Image pictureOf (juce::Component&);
+/** What a component and its children paint, on a screen of so many pixels a unit; transparent where they paint nothing. */
+juce::Image pictureOf (juce::Component&, float scale = 1.0f);
 
 /** The middles of the lit runs around a circle, as angles of pi to 3 pi. */
 std::vector<float> litRuns (const juce::Image&, juce::Point<float> centre, float radius, const PixelTest&);
@@ -28,6 +28,9 @@ juce::Rectangle<int> boundsOf (const juce::Image&, const PixelTest&);
 
 /** Pixels, within both pictures, of which a channel differs by more than `tolerance`. */
 int differingPixels (const juce::Image&, const juce::Image&, int tolerance);
+
+/** Relative luminance of an opaque colour, as accessibility guidelines define it: black 0 to white 1. */
+double luminance (juce::Colour);
 
 /** Contrast of two opaque colours as accessibility guidelines define it: 1 (none) to 21 (black on white). */
 double contrastRatio (juce::Colour, juce::Colour);

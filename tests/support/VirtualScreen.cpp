@@ -4,8 +4,8 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
-#include <X11/keysym.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -26,15 +26,15 @@ int endWithError (Display* display, XErrorEvent* event)
 
 /** Starts a server that ends with its last client, be it by a crash. @returns its output, once it is ready; nullptr if the
     display is taken. */
-FILE* startServer (const std::string& display, const std::string& screen)
+FILE* startServer (const std::string& display, const std::string& screen, pid_t& process)
 {
     // Without its standard error, where it warns about keyboard symbols that nobody uses; says its number when it is ready.
-    auto* server =
-        popen (("exec Xvfb " + display + " -displayfd 1 -terminate -nolisten tcp -screen 0 " + screen + " 2> /dev/null")
-                   .c_str(),
-               "r");
+    auto* server = popen (("echo $$; exec Xvfb " + display + " -displayfd 1 -terminate -nolisten tcp -screen 0 "
+                           + screen + " 2> /dev/null")
+                              .c_str(),
+                          "r");
 
-    if (server == nullptr || std::fgetc (server) != EOF)
+    if (server == nullptr || (std::fscanf (server, "%d ", &process) == 1 && std::fgetc (server) != EOF))
         return server;
 
     pclose (server);
@@ -96,13 +96,15 @@ VirtualScreen::VirtualScreen (int width, int height)
     {
         const auto number = std::to_string (1000 + (getpid() + 37 * attempt) % 1000);
         name = ":" + number;
-        server = startServer (name, screen);
+        server = startServer (name, screen, serverProcess);
     }
 
     if (server == nullptr)
         throw std::runtime_error ("Xvfb does not start");
 
     setenv ("DISPLAY", name.c_str(), 1);
+    // The framework asks for the desktop's settings, which would start a session bus on this display.
+    setenv ("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
     connection = std::make_unique<Connection> (name);
     XSetErrorHandler (endWithError);
 }
@@ -110,7 +112,8 @@ VirtualScreen::VirtualScreen (int width, int height)
 VirtualScreen::~VirtualScreen()
 {
     connection.reset();
-    pclose (server); // waits for its end
+    kill (serverProcess, SIGTERM); // whoever else is still connected
+    pclose (server);               // waits for its end
 }
 
 void VirtualScreen::moveMouse (int x, int y)
@@ -119,15 +122,16 @@ void VirtualScreen::moveMouse (int x, int y)
     XSync (connection->display, False);
 }
 
-void VirtualScreen::pressMouse (bool down)
+void VirtualScreen::pressMouse (bool down, unsigned button)
 {
-    XTestFakeButtonEvent (connection->display, Button1, down, CurrentTime);
+    XTestFakeButtonEvent (connection->display, button, down, CurrentTime);
     XSync (connection->display, False);
 }
 
-void VirtualScreen::pressShift (bool down)
+void VirtualScreen::pressKey (const char* key, bool down)
 {
-    XTestFakeKeyEvent (connection->display, XKeysymToKeycode (connection->display, XK_Shift_L), down, CurrentTime);
+    const auto code = XKeysymToKeycode (connection->display, XStringToKeysym (key));
+    XTestFakeKeyEvent (connection->display, code, down, CurrentTime);
     XSync (connection->display, False);
 }
 
@@ -168,5 +172,26 @@ void VirtualScreen::focusTopmostWindow()
         XSetInputFocus (connection->display, windows.back().first, RevertToParent, CurrentTime);
 
     XSync (connection->display, False);
+}
+
+void VirtualScreen::focusWindowAt (int x, int y)
+{
+    auto* display = connection->display;
+    const auto root = DefaultRootWindow (display);
+    Window innermost = root, child = root;
+
+    for (int childX = 0, childY = 0; child != None; innermost = child != None ? child : innermost)
+        XTranslateCoordinates (display, root, innermost, x, y, &childX, &childY, &child);
+
+    XSetInputFocus (display, innermost, RevertToParent, CurrentTime);
+    XSync (display, False);
+}
+
+unsigned long VirtualScreen::keyboardOwner()
+{
+    Window owner = 0;
+    int revert = 0;
+    XGetInputFocus (connection->display, &owner, &revert);
+    return owner;
 }
 } // namespace tarvelline::test

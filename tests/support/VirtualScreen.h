@@ -8,12 +8,15 @@
 #include <string>
 #include <vector>
 
+#include <sys/types.h>
+
 namespace tarvelline::test
 {
 /** An X server of its own without a monitor (Xvfb, 24 bits), with a hand at mouse and keyboard and an eye on the screen.
 
-    While it stands it is the DISPLAY of this process. It must stand before the framework first asks for a display, and
-    until the framework has shut down. One thread. A protocol error ends this process. */
+    While it stands it is the DISPLAY of this process, which from then on reaches no session bus. It must stand before the
+    framework first asks for a display, and until the framework has shut down. One thread. A protocol error ends this
+    process. */
 class VirtualScreen
 {
 public:
@@ -25,8 +28,12 @@ public:
     ~VirtualScreen();
 
     void moveMouse (int x, int y);
-    void pressMouse (bool down);
-    void pressShift (bool down);
+
+    /** @param button  1 left, 3 right; 4 and 5 are the notches of a mouse wheel, up and down */
+    void pressMouse (bool down, unsigned button = 1);
+
+    /** @param key  as the server calls it: "Shift_L", "Tab", "Up" */
+    void pressKey (const char* key, bool down);
 
     juce::Image capture (juce::Rectangle<int>);
 
@@ -36,9 +43,16 @@ public:
     /** Gives the keyboard to the topmost of them, as a window manager does. */
     void focusTopmostWindow();
 
+    /** Gives it to the innermost window at a place, as hosts do that hand their keys on to a plug-in. */
+    void focusWindowAt (int x, int y);
+
+    /** The window that has the keyboard; no two are the same. */
+    unsigned long keyboardOwner();
+
 private:
     struct Connection;
     std::unique_ptr<Connection> connection;
     FILE* server = nullptr; // its output
+    pid_t serverProcess = 0;
 };
 } // namespace tarvelline::test

@@ -2,7 +2,6 @@
 #include "tests/support/DrawnText.h"
 #include "tests/support/PixelMeters.h"
 #include "widgets/FlatLookAndFeel.h"
-#include "widgets/MyComboBox.h"
 
 #include <gtest/gtest.h>
 
@@ -10,25 +9,6 @@ namespace tarvelline::test
 {
 namespace
 {
-// The framework's box around the text, or its arrow beside it, which pushes the text off the centre.
-TEST (RangeBox, ShowsItsTextAloneAndCentred)
-{
-    TarvellineLookAndFeel look;
-    MyComboBox box;
-    box.setLookAndFeel (&look);
-    box.addItemList ({ "2", "48" }, 1);
-    box.setJustificationType (juce::Justification::centred);
-    box.setSize (74, 50);
-    EXPECT_TRUE (boundsOf (pictureOf (box), isInk).isEmpty());
-
-    box.setSelectedItemIndex (1);
-    const auto text = textsOf (box).at (0);
-    EXPECT_EQ (text.text, "48");
-    EXPECT_NEAR ((text.left + text.right) / 2.0f, 37.0f, 1.0f);
-    EXPECT_LT (boundsOf (pictureOf (box), isInk).getRight(), static_cast<int> (text.right) + 2);
-    box.setLookAndFeel (nullptr);
-}
-
 // A body that flashes under the mouse, or none that answers a press.
 TEST (ButtonBody, ShowsOnlyWhilePressed)
 {

@@ -4,6 +4,8 @@
 #include "tests/support/ProcessorRig.h"
 #include "widgets/FollowDial.h"
 
+#include "BinaryData.h"
+
 #include <gtest/gtest.h>
 
 namespace tarvelline::test
@@ -16,6 +18,7 @@ struct DialRig
 {
     explicit DialRig (int wheelIndex = 0, int width = 222, int height = 222)
     {
+        rig.prepare();
         dial.setUp (rig.processor, wheelIndex);
         dial.setRotaryParameters ({ 1.2f * pi, 2.8f * pi, true });
         dial.setSize (width, height);
@@ -33,7 +36,7 @@ struct DialRig
 };
 
 // The wheel's value instead of its moving point, semitones from one end instead of the centre, a trimmed number, the other
-// wheel; before the first preparation the record has no span and a meaningless point.
+// wheel, a zero with a sign.
 TEST (FollowDial, ShowsTheShiftAndTurnsWithIt)
 {
     for (const auto wheelIndex : { 0, 1 })
@@ -41,7 +44,7 @@ TEST (FollowDial, ShowsTheShiftAndTurnsWithIt)
                                                         { 1.0, 48.0, "24.00", 0.8f * pi },
                                                         { 0.0, 2.0, "-1.00", -0.8f * pi },
                                                         { 0.21, 12.0, "-3.48", -0.464f * pi },
-                                                        { 0.9, 0.0, "0.00", 0.0f } })
+                                                        { 0.4999, 12.0, "0.00", -0.00016f * pi } })
         {
             DialRig rig (wheelIndex);
             auto& wheel = wheelIndex == 0 ? rig.rig.processor.mainWheel : rig.rig.processor.timbWheel;
@@ -53,6 +56,18 @@ TEST (FollowDial, ShowsTheShiftAndTurnsWithIt)
             const auto mark = centreOf (pictureOf (rig.dial), rig.dial.getLocalBounds(), isOrange); // the ring's index
             EXPECT_NEAR (juce::Point<float> (111.0f, 111.0f).getAngleToPoint (mark), angle, 0.01f) << text;
         }
+}
+
+// A ring enlarged on a fine screen, or resampled twice: at double size the picture for it is copied as it is.
+TEST (FollowDial, IsAsSharpAsAFineScreen)
+{
+    const auto picture =
+        juce::ImageFileFormat::loadFrom (BinaryData::followWheel2x_png, BinaryData::followWheel2x_pngSize);
+    const juce::Rectangle<int> aboveTheNumber (444, 160);
+    DialRig rig;
+    EXPECT_EQ (differingPixels (pictureOf (rig.dial, 2.0f).getClippedImage (aboveTheNumber),
+                                picture.getClippedImage (aboveTheNumber), 2),
+               0);
 }
 
 TEST (FollowDial, WritesInTheDisplayFaceInTheMiddle)

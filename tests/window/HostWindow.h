@@ -69,8 +69,18 @@ public:
     /** Opens the editor, and lets it come to rest on the screen. */
     void open (int settleMilliseconds = 200)
     {
+        makeEditor();
+        showEditor (settleMilliseconds);
+    }
+
+    void makeEditor()
+    {
         editor.reset (module->createEditorIfNeeded());
         openedSize = editor->getBounds();
+    }
+
+    void showEditor (int settleMilliseconds = 200)
+    {
         frame.setOpaque (true);
         frame.addAndMakeVisible (*editor);
         frame.setBounds (x, y, editor->getWidth(), editor->getHeight());
@@ -136,7 +146,23 @@ public:
         run (100);
     }
 
-    void click (juce::Point<int> at) { drag (at, at); }
+    /** A click, or with button 4 or 5 a notch of the mouse wheel.
+        @param slip  of the hand between pressing and letting go, pixels */
+    void click (juce::Point<int> at, unsigned button = 1, juce::Point<int> slip = {})
+    {
+        screen->moveMouse (x + at.x, y + at.y);
+        screen->pressMouse (true, button);
+        screen->moveMouse (x + at.x + slip.x, y + at.y + slip.y);
+        screen->pressMouse (false, button);
+        run (10);
+    }
+
+    void type (const char* key)
+    {
+        screen->pressKey (key, true);
+        screen->pressKey (key, false);
+        run (10);
+    }
 
     static constexpr int x = 60, y = 50, blockSize = 512; // the editor's place on the screen; samples
     static constexpr double rate = 44100.0;

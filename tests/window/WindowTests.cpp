@@ -59,6 +59,35 @@ TEST (Opening, ShowsTheParametersAtOnce)
     }
 }
 
+/** Counts the sizes that the host is told from threads of the module's own. */
+struct ForeignSizes : juce::ComponentListener
+{
+    void componentMovedOrResized (juce::Component&, bool, bool) override
+    {
+        count += std::this_thread::get_id() != thread ? 1 : 0;
+    }
+
+    const std::thread::id thread = std::this_thread::get_id();
+    std::atomic<int> count { 0 };
+};
+
+// Between its making and its showing a window is in the hands of the module's own thread, on which no host expects to be
+// asked for another size; or a size that is lost because it came then.
+TEST (Opening, TakesASizeThatChangesMeanwhileOnTheHostsThread)
+{
+    ForeignSizes foreign;
+    HostWindow host;
+    host.makeEditor();
+    host.editor->addComponentListener (&foreign);
+    host.parameter (toggleSize).setValue (1.0f);
+    host.playBlock();
+    std::this_thread::sleep_for (std::chrono::milliseconds (100));
+    host.showEditor();
+    host.editor->removeComponentListener (&foreign);
+    EXPECT_EQ (foreign.count, 0);
+    EXPECT_EQ (wrongPixels (host, { { toggleSize, 1.0f } }), 0);
+}
+
 /** The angle of the one orange thing at a distance from the pitch wheel's centre, in a window of 288 pixels' height. */
 float orangeAngleAt (HostWindow& host, float radius)
 {
@@ -98,9 +127,9 @@ TEST (Drag, ReachesTheHostSnappedUnlessShiftIsHeld)
     {
         HostWindow host (fast);
         host.open();
-        HostWindow::screen->pressShift (shift);
+        HostWindow::screen->pressKey ("Shift_L", shift);
         host.drag ({ 128, 115 }, { 128, 115 - pixels });
-        HostWindow::screen->pressShift (false);
+        HostWindow::screen->pressKey ("Shift_L", false);
 
         const auto moved = host.parameter (mainWheelPar).getValue();
         EXPECT_NEAR (moved, value, tolerance);
@@ -152,7 +181,7 @@ TEST (Chord, LightsItsKeysAsLongAsItIsHeld)
     EXPECT_EQ (wrongPixels (host, multi), 0);
 }
 
-// A button that changes the parameter but not the host's window, or a height that is lost with the window.
+// A button or automation that changes the parameter but not the host's window, or a height that is lost with the window.
 TEST (Resizing, ByButtonAndCornerIsRememberedWhenReopened)
 {
     HostWindow host;
@@ -169,6 +198,11 @@ TEST (Resizing, ByButtonAndCornerIsRememberedWhenReopened)
     host.open();
     EXPECT_EQ (host.openedSize.getHeight(), height);
     EXPECT_EQ (host.openedSize.getWidth(), static_cast<int> (static_cast<float> (height) * 1.77778f));
+
+    host.parameter (toggleSize).setValue (0.0f);
+    host.run (200);
+    EXPECT_EQ (host.editor->getHeight(), height);
+    EXPECT_EQ (host.editor->getWidth(), static_cast<int> (static_cast<float> (height) * 0.88889f));
 }
 
 // A timer, listener or look that outlives its window, met by the audio thread or the next window.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Makes the factory presets from their table:
-//   tarvelline_presets TABLE.json MODULE.vst3 FOLDER PAGE.md
-// writes a .vstpreset file of each into FOLDER, and the page that describes them.
+//   tarvelline_presets TABLE.json MODULE.vst3 FOLDER PAGE.md [BUNDLE.lv2]
+// writes a .vstpreset file of each into FOLDER, the page that describes them, and all of them into the bundle.
 #include "tools/presets/PresetFiles.h"
 
 #include <juce_events/juce_events.h>
@@ -13,9 +13,9 @@ int main (int argc, char** argv)
 {
     using namespace tarvelline::presets;
 
-    if (argc != 5)
+    if (argc != 5 && argc != 6)
     {
-        std::fprintf (stderr, "usage: tarvelline_presets TABLE.json MODULE.vst3 FOLDER PAGE.md\n");
+        std::fprintf (stderr, "usage: tarvelline_presets TABLE.json MODULE.vst3 FOLDER PAGE.md [BUNDLE.lv2]\n");
         return 2;
     }
 
@@ -29,6 +29,9 @@ int main (int argc, char** argv)
 
         if (! file (4).replaceWithText (presetPage (table), false, false, "\n"))
             throw std::runtime_error (std::string ("cannot write ") + argv[4]);
+
+        if (argc == 6)
+            writeLv2Presets (table, file (5));
     }
     catch (const std::exception& error)
     {

@@ -11,8 +11,9 @@ constexpr auto introduction = R"(# Factory presets
 
 Gestures to start from. A preset sets every control, the wheels' places too; moving the wheel is up to you. In a DAW that
 reads `.vstpreset` files they are in the plug-in's preset list, under its maker Vorntaal: the packages put them into
-`/usr/share/vst3/presets/Vorntaal/Tarvelline`, `./run.sh --install` into `~/.vst3/presets/Vorntaal/Tarvelline`. Elsewhere set
-the controls by hand: the values stand below, ranges and shifts in semitones, the others from 0 to 1.
+`/usr/share/vst3/presets/Vorntaal/Tarvelline`, `./run.sh --install` into `~/.vst3/presets/Vorntaal/Tarvelline`. In an LV2 host
+they are in the plug-in's preset list too: they are a part of its bundle. Elsewhere set the controls by hand: the values stand
+below, ranges and shifts in semitones, the others from 0 to 1.
 
 )";
 
