@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/HartleyTransform.h"
+
+#include <vector>
+
+namespace tarvelline::render
+{
+/** Power spectra of more samples than the engine's transform takes, up to the highest bin that is wanted.
+
+    Method: N values are D transforms of every D-th of them, put together with the turns exp (-2 pi i k d / N), as the last
+            pass of a transform of length N would, but for the lowest bins alone: most of a spectrum at a high rate is
+            above what can be heard. Faster here than a general transform from a library, and not longer. */
+class LowSpectrum
+{
+public:
+    /** @param length  N, a power of two, 256 or more
+        @param bins    how many from 0 Hz on; no more than half the length or than HartleyTables::longest are kept */
+    LowSpectrum (int length, int bins);
+
+    int getLength() const noexcept { return transform.getLength() * parts; }
+    std::size_t getBins() const noexcept { return real.size(); }
+
+    /** Adds the squared magnitudes of N samples' bins, times `scale`, to `power`, which has getBins() values. */
+    void addPower (const std::vector<float>& samples, double scale, std::vector<double>& power);
+
+private:
+    void addPart (std::size_t which);
+
+    int parts;
+    HartleyTransform transform;
+    std::vector<float> part, cosines, sines;           // of one part; of all parts' turns, one part after the other
+    std::vector<float> first, second, real, imaginary; // of one part's bins; of the whole's
+};
+} // namespace tarvelline::render
