@@ -47,10 +47,11 @@ juce::Image spectrogramImage (const Spectrogram& spectrogram, int loudest)
 {
     const auto& grid = spectrogram.grid;
     juce::Image image (juce::Image::RGB, grid.columns, grid.rows, false);
+    juce::Image::BitmapData pixels (image, juce::Image::BitmapData::writeOnly);
 
     for (int column = 0; column < grid.columns; ++column)
         for (int row = 0; row < grid.rows; ++row)
-            image.setPixelAt (
+            pixels.setPixelColour (
                 column, grid.rows - 1 - row,
                 paletteColour (1.0f
                                + (spectrogram.levelAt (column, row) - static_cast<float> (loudest)) / shownDecibels));

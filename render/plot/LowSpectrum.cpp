@@ -9,7 +9,7 @@ namespace tarvelline::render
 {
 LowSpectrum::LowSpectrum (int length, int bins)
     : parts (std::max (1, length / HartleyTables::longest)), transform (length / parts),
-      part (static_cast<std::size_t> (transform.getLength())), first (part.size()), second (part.size()),
+      part (static_cast<std::size_t> (transform.getLength())),
       real (static_cast<std::size_t> (std::min ({ bins, length / 2, transform.getLength() }))), imaginary (real.size())
 {
     for (int d = 0; d < parts; ++d)
@@ -21,49 +21,50 @@ LowSpectrum::LowSpectrum (int length, int bins)
         }
 }
 
-void LowSpectrum::addPower (const std::vector<float>& samples, double scale, std::vector<double>& power)
+void LowSpectrum::addPower (const std::vector<float>& samples, float scale, std::vector<float>& power)
 {
     std::fill (real.begin(), real.end(), 0.0f);
     std::fill (imaginary.begin(), imaginary.end(), 0.0f);
-    const auto step = static_cast<std::size_t> (parts);
+    const auto step = static_cast<std::size_t> (parts), given = samples.size() / step;
 
     for (std::size_t d = 0; d < step; ++d)
     {
-        for (std::size_t i = 0; i < part.size(); ++i)
+        for (std::size_t i = 0; i < given; ++i)
             part[i] = samples[i * step + d];
 
+        std::fill (part.begin() + static_cast<std::ptrdiff_t> (given), part.end(), 0.0f);
+        transform.forward (part.data());
         addPart (d);
     }
 
     // A pair is sqrt (2) times as long as its coefficient.
     for (std::size_t k = 0; k < real.size(); ++k)
-        power[k] +=
-            0.5 * scale * (static_cast<double> (real[k]) * real[k] + static_cast<double> (imaginary[k]) * imaginary[k]);
+        power[k] += 0.5f * scale * (real[k] * real[k] + imaginary[k] * imaginary[k]);
 }
 
 void LowSpectrum::addPart (std::size_t which)
 {
-    transform.forward (part.data());
-    const auto size = part.size(), half = size / 2;
+    const auto size = part.size(), half = size / 2, bins = real.size();
+    const auto* c = cosines.data() + which * bins;
+    const auto* s = sines.data() + which * bins;
 
-    // Real data: the upper half of a spectrum mirrors the lower, and mirrored a pair is the other way round. The pairs of 0 Hz
-    // and of the middle hold one real value each, which turned by 45 degrees is both members.
-    first[0] = second[0] = part[0];
-    first[half] = second[half] = part[half];
-
-    for (std::size_t k = 1; k < half; ++k)
+    const auto add = [&] (std::size_t k, float first, float second)
     {
-        first[k] = second[size - k] = part[k];
-        second[k] = first[size - k] = part[half + k];
-    }
+        real[k] += c[k] * first - s[k] * second;
+        imaginary[k] += c[k] * second + s[k] * first;
+    };
 
-    const auto* c = cosines.data() + which * real.size();
-    const auto* s = sines.data() + which * real.size();
+    // The pairs of 0 Hz and of the middle hold one real value each, which turned by 45 degrees is both members.
+    add (0, part[0], part[0]);
 
-    for (std::size_t k = 0; k < real.size(); ++k)
-    {
-        real[k] += c[k] * first[k] - s[k] * second[k];
-        imaginary[k] += c[k] * second[k] + s[k] * first[k];
-    }
+    for (std::size_t k = 1; k < std::min (half, bins); ++k)
+        add (k, part[k], part[half + k]);
+
+    if (half < bins)
+        add (half, part[half], part[half]);
+
+    // Real data: the upper half of a spectrum mirrors the lower, and mirrored a pair is the other way round.
+    for (std::size_t k = half + 1; k < bins; ++k)
+        add (k, part[size + half - k], part[size - k]);
 }
 } // namespace tarvelline::render

@@ -19,18 +19,18 @@ public:
         @param bins    how many from 0 Hz on; no more than half the length or than HartleyTables::longest are kept */
     LowSpectrum (int length, int bins);
 
-    int getLength() const noexcept { return transform.getLength() * parts; }
     std::size_t getBins() const noexcept { return real.size(); }
 
-    /** Adds the squared magnitudes of N samples' bins, times `scale`, to `power`, which has getBins() values. */
-    void addPower (const std::vector<float>& samples, double scale, std::vector<double>& power);
+    /** Adds the squared magnitudes of the bins, times `scale`, to `power`, which has getBins() values.
+        @param samples  N or fewer, a multiple of D; zeros follow them */
+    void addPower (const std::vector<float>& samples, float scale, std::vector<float>& power);
 
 private:
     void addPart (std::size_t which);
 
     int parts;
     HartleyTransform transform;
-    std::vector<float> part, cosines, sines;           // of one part; of all parts' turns, one part after the other
-    std::vector<float> first, second, real, imaginary; // of one part's bins; of the whole's
+    std::vector<float> part, cosines, sines; // of one part; of all parts' turns, one part after the other
+    std::vector<float> real, imaginary;      // of the whole's bins
 };
 } // namespace tarvelline::render

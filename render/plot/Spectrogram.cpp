@@ -15,7 +15,7 @@ namespace
 {
 constexpr double windowSeconds = 0.09; // 11 Hz a bin: parts the partials of a low guitar string
 constexpr int padding = 4;             // zeros interpolate between the bins
-constexpr double lowestPower = 1.0e-14, highestPower = 1.0e14;
+constexpr float lowestPower = 1.0e-14f, highestPower = 1.0e14f;
 
 int powerOfTwoNear (double length)
 {
@@ -40,31 +40,31 @@ class Analyser
 public:
     Analyser (const Source& recording, double highestHz)
         : source (recording), window (hannWindow (powerOfTwoNear (windowSeconds * source.rate))),
-          input (source.channels, static_cast<int> (window.size())), padded (window.size() * padding),
-          spectrum (static_cast<int> (padded.size()), static_cast<int> (highestHz * binsPerHz()) + 2),
+          input (source.channels, static_cast<int> (window.size())), windowed (window.size()),
+          spectrum (static_cast<int> (window.size()) * padding, static_cast<int> (highestHz * binsPerHz()) + 2),
           power (spectrum.getBins())
     {
         input.clear();
     }
 
-    const std::vector<double>& around (std::int64_t sample)
+    const std::vector<float>& around (std::int64_t sample)
     {
         // A full-scale sine has a quarter of the Hann window's length.
-        const auto magnitude = static_cast<double> (window.size()) / 4.0;
+        const auto magnitude = static_cast<float> (window.size()) / 4.0f;
         moveTo (sample - input.getNumSamples() / 2);
-        std::fill (power.begin(), power.end(), 0.0);
+        std::fill (power.begin(), power.end(), 0.0f);
 
         for (int channel = 0; channel < source.channels; ++channel)
         {
-            std::transform (window.begin(), window.end(), input.getReadPointer (channel), padded.begin(),
+            std::transform (window.begin(), window.end(), input.getReadPointer (channel), windowed.begin(),
                             std::multiplies<float>());
-            spectrum.addPower (padded, 1.0 / (magnitude * magnitude * source.channels), power);
+            spectrum.addPower (windowed, 1.0f / (magnitude * magnitude * static_cast<float> (source.channels)), power);
         }
 
         return power;
     }
 
-    double binsPerHz() const { return static_cast<double> (padded.size()) / source.rate; }
+    double binsPerHz() const { return static_cast<double> (window.size()) * padding / source.rate; }
 
 private:
     // Keeps what is there already, so that a file is read once, from its start to its end.
@@ -91,13 +91,13 @@ private:
     const std::vector<float> window;
     juce::AudioBuffer<float> input;                                // the samples from `start` on
     std::int64_t start = std::numeric_limits<std::int32_t>::min(); // before everything
-    std::vector<float> padded;
+    std::vector<float> windowed;
     LowSpectrum spectrum;
-    std::vector<double> power;
+    std::vector<float> power;
 };
 
 // The strongest bin that a row covers, so that no partial is lost between rows; between two bins where rows are denser.
-double powerBetween (const std::vector<double>& power, double lowBin, double highBin)
+float powerBetween (const std::vector<float>& power, double lowBin, double highBin)
 {
     const auto last = static_cast<double> (power.size() - 1);
     const auto first = static_cast<std::size_t> (std::min (std::ceil (lowBin), last));
@@ -109,7 +109,7 @@ double powerBetween (const std::vector<double>& power, double lowBin, double hig
 
     const auto below = static_cast<std::size_t> (std::min (lowBin, last - 1.0));
     const auto part = std::min (lowBin - static_cast<double> (below), 1.0);
-    return power[below] + part * (power[below + 1] - power[below]);
+    return std::lerp (power[below], power[below + 1], static_cast<float> (part));
 }
 } // namespace
 
@@ -129,7 +129,7 @@ Spectrogram::Spectrogram (const Source& source, const SpectrogramGrid& wanted) :
         {
             // Samples that are no numbers, or beyond all measure, end here: fmax takes the number of the two.
             const auto found = std::fmax (lowestPower, powerBetween (power, bin, bin * rowRatio));
-            levels.push_back (static_cast<float> (10.0 * std::log10 (std::fmin (found, highestPower))));
+            levels.push_back (10.0f * std::log10 (std::fmin (found, highestPower)));
         }
     }
 }
