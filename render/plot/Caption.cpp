@@ -66,6 +66,7 @@ void drawCaption (juce::Graphics& g, juce::Rectangle<float> area, const juce::St
         shown = before + known.substring (0, (left + 1) / 2) + juce::String::charToString (0x2026)
                 + known.getLastCharacters (left / 2) + after;
 
+    const juce::Graphics::ScopedSaveState withUsualFont (g);
     g.setFont (font);
     g.drawText (shown, area, juce::Justification::centredLeft, false);
 }

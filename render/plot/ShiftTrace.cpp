@@ -9,6 +9,7 @@ namespace tarvelline::render
 namespace
 {
 constexpr std::size_t mostPoints = 4096;
+constexpr int finest = 64; // samples: 1.5 ms at 44.1 kHz
 
 void applySettings (juce::AudioProcessor& processor, const std::vector<Setting>& settings)
 {
@@ -29,12 +30,12 @@ void ShiftTrace::Reach::include (const Reach& other) noexcept
     high = std::fmax (high, other.high);
 }
 
-ShiftTrace::ShiftTrace (double sampleRate, const std::vector<Setting>& settings)
+ShiftTrace::ShiftTrace (double sampleRate, const std::vector<Setting>& settings) : interval (finest)
 {
     // Prepared first, as the module is: a wheel that has its span follows the settings as the module's does.
-    processor.prepareToPlay (sampleRate, static_cast<int> (interval));
+    processor.prepareToPlay (sampleRate, finest);
     applySettings (processor, settings);
-    processor.prepareToPlay (sampleRate, static_cast<int> (interval));
+    processor.prepareToPlay (sampleRate, finest);
 }
 
 void ShiftTrace::play (const Block& block)
@@ -74,6 +75,8 @@ void ShiftTrace::note (const Point& point)
 {
     if (position > static_cast<std::int64_t> (points.size()) * interval)
         points.push_back (point);
+    else if (interval == finest) // close enough for the state at its end alone
+        points.back() = point;
     else
         include (points.back(), point);
 

@@ -46,6 +46,6 @@ private:
 
     TarvellineAudioProcessor processor;
     std::vector<Point> points;
-    std::int64_t position = 0, interval = 64; // at the start 1.5 ms at 44.1 kHz
+    std::int64_t position = 0, interval;
 };
 } // namespace tarvelline::render
