@@ -14,15 +14,20 @@ constexpr float markLength = 8.0f, labelGap = 6.0f, labelHeight = 26.0f, labelWi
 constexpr float sideNameDistance = 92.0f; // from the edge to the middle of an upright axis's name, at least
 constexpr float bottomNameDistance = 58.0f;
 
+constexpr double minute = 60.0, hour = 3600.0; // seconds
+
 float widthOf (juce::Graphics& g, const juce::String& text) { return g.getCurrentFont().getStringWidthFloat (text); }
 
 juce::String twoDigits (int value) { return juce::String (value).paddedLeft ('0', 2); }
 
-juce::String clockTime (int seconds, bool withHours)
+juce::String timeLabel (double time, double step, double whole)
 {
-    const auto minutes = seconds / 60;
+    if (whole < minute)
+        return juce::String (time, step < 0.1 ? 2 : step < 1.0 ? 1 : 0);
+
+    const auto seconds = juce::roundToInt (time), minutes = seconds / 60;
     const auto start =
-        withHours ? juce::String (minutes / 60) + ":" + twoDigits (minutes % 60) : juce::String (minutes);
+        whole < hour ? juce::String (minutes) : juce::String (minutes / 60) + ":" + twoDigits (minutes % 60);
     return start + ":" + twoDigits (seconds % 60);
 }
 
@@ -57,7 +62,7 @@ void drawUprightAxis (juce::Graphics& g, juce::Rectangle<float> area, const std:
 
 std::vector<Tick> timeTicks (double seconds)
 {
-    constexpr double mostTicks = 10.0, minute = 60.0, hour = 3600.0;
+    constexpr double mostTicks = 10.0;
     constexpr std::array steps { 0.01, 0.02, 0.05, 0.1,   0.2,   0.5,   1.0,   2.0,   5.0,
                                  10.0, 30.0, 60.0, 120.0, 300.0, 600.0, 900.0, 1800.0 };
     const auto fitting = std::find_if (steps.begin(), steps.end(), [&] (double s) { return seconds / s <= mostTicks; });
@@ -65,18 +70,14 @@ std::vector<Tick> timeTicks (double seconds)
     std::vector<Tick> ticks;
 
     for (int i = 0; i * step <= seconds; ++i)
-        ticks.push_back ({ i * step / seconds, seconds < minute
-                                                   ? juce::String (i * step, step < 0.1   ? 2
-                                                                             : step < 1.0 ? 1
-                                                                                          : 0)
-                                                   : clockTime (juce::roundToInt (i * step), seconds >= hour) });
+        ticks.push_back ({ i * step / seconds, timeLabel (i * step, step, seconds) });
 
     return ticks;
 }
 
 juce::String timeName (double seconds)
 {
-    return seconds < 60.0 ? "time (s)" : seconds < 3600.0 ? "time (min:s)" : "time (h:min:s)";
+    return seconds < minute ? "time (s)" : seconds < hour ? "time (min:s)" : "time (h:min:s)";
 }
 
 std::vector<Tick> hertzTicks (double lowHz, double highHz)

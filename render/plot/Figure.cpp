@@ -21,8 +21,7 @@ constexpr float textHeight = 22.0f, titleHeight = 26.0f;
 
 constexpr double lowestHz = 40.0, highestHz = 16000.0;
 constexpr int shownDecibels = 80; // from the loudest down
-constexpr int quietestTop =
-    -60; // of the scale: silence is dark, and so is what is quieter than the noise of any converter
+constexpr int quietestTop = -60;  // dB: the scale's upper end at least, so that silence is dark
 const juce::Colour ink (0xff222222), curveColour (0xffff8c1a);
 
 struct SemitoneAxis

@@ -11,12 +11,12 @@ namespace tarvelline::render
 
     Method: N values are D transforms of every D-th of them, put together with the turns exp (-2 pi i k d / N), as the last
             pass of a transform of length N would, but for the lowest bins alone: most of a spectrum at a high rate is
-            above what can be heard. Faster here than a general transform from a library, and not longer. */
+            above what is shown. So the engine's fast transform serves, within its range, and no library is needed. */
 class LowSpectrum
 {
 public:
     /** @param length  N, a power of two, 256 or more
-        @param bins    how many from 0 Hz on; no more than half the length or than HartleyTables::longest are kept */
+        @param bins    how many from 0 Hz on; no more than N / 2 and HartleyTables::longest are had */
     LowSpectrum (int length, int bins);
 
     std::size_t getBins() const noexcept { return real.size(); }
