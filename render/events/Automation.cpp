@@ -65,20 +65,21 @@ std::vector<TimedSetting> readAutomation (const juce::File& file)
         throw UserError ("--automate: cannot read " + file.getFullPathName());
 
     // Leaves out a byte order mark, and takes UTF-16 as well.
-    const auto lines = juce::StringArray::fromLines (
-        juce::String::createStringFromData (text.getData(), static_cast<int> (text.getSize())));
+    const auto all = juce::String::createStringFromData (text.getData(), static_cast<int> (text.getSize()));
+    text.reset();
+    juce::MemoryInputStream lines (all.toRawUTF8(), all.getNumBytesAsUTF8(), false);
     std::vector<TimedSetting> changes;
     bool headerMayCome = true;
 
-    for (int i = 0; i < lines.size(); ++i)
+    for (int number = 1; ! lines.isExhausted(); ++number)
     {
-        const auto line = lines[i].upToFirstOccurrenceOf ("#", false, false).trim();
+        const auto line = lines.readNextLine().upToFirstOccurrenceOf ("#", false, false).trim();
 
         if (line.isEmpty())
             continue;
 
         if (! (headerMayCome && line.removeCharacters (" ").startsWithIgnoreCase (form)))
-            changes.push_back (parseLine (file.getFileName() + ", line " + juce::String (i + 1), line));
+            changes.push_back (parseLine (file.getFileName() + ", line " + juce::String (number), line));
 
         headerMayCome = false;
     }

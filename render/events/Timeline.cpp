@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <tuple>
 
 namespace tarvelline::render
 {
@@ -23,6 +24,8 @@ std::int64_t sampleAt (double seconds, double sampleRate)
 Timeline::Timeline (const std::vector<TimedSetting>& changes, const std::vector<TimedMessage>& played,
                     double sampleRate)
 {
+    settings.reserve (changes.size());
+
     for (const auto& change : changes)
         settings.emplace_back (sampleAt (change.seconds, sampleRate), change.setting);
 
@@ -40,6 +43,7 @@ Timeline::Timeline (const std::vector<TimedSetting>& changes, const std::vector<
 // `settings` has the changes already.
 void Timeline::addLines (const std::vector<TimedSetting>& changes)
 {
+    lines.reserve (changes.size());
     std::array<std::size_t, parameterTable.size()> before {}; // the index of each parameter's change before
 
     for (std::size_t i = 0; i < changes.size(); ++i)
@@ -54,7 +58,9 @@ void Timeline::addLines (const std::vector<TimedSetting>& changes)
         last = i;
     }
 
-    std::stable_sort (lines.begin(), lines.end(), [] (const Line& a, const Line& b) { return a.start < b.start; });
+    std::sort (lines.begin(), lines.end(),
+               [] (const Line& a, const Line& b)
+               { return std::tie (a.start, a.parameter) < std::tie (b.start, b.parameter); });
 }
 
 // Sets what moves at the block's start, and gives the end that this leaves the block.

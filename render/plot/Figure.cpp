@@ -2,11 +2,13 @@
 #include "render/plot/Figure.h"
 
 #include "render/plot/Axes.h"
+#include "render/plot/Caption.h"
 #include "render/plot/Palette.h"
 #include "render/plot/Spectrogram.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tarvelline::render
 {
@@ -19,6 +21,7 @@ constexpr float textHeight = 22.0f, titleHeight = 26.0f;
 
 constexpr double lowestHz = 40.0, highestHz = 16000.0;
 constexpr int shownDecibels = 80; // from the loudest down
+constexpr int quietestTop = -60;  // dB: the scale's upper end at least, so that silence is dark
 const juce::Colour ink (0xff222222), curveColour (0xffff8c1a);
 
 struct SemitoneAxis
@@ -28,29 +31,26 @@ struct SemitoneAxis
     int step() const { return high - low <= 12 ? 1 : high - low <= 24 ? 2 : high - low <= 48 ? 6 : 12; }
 };
 
-SemitoneAxis axisFor (const std::vector<ShiftTrace::Point>& shifts)
+SemitoneAxis axisFor (const ShiftTrace& shifts)
 {
-    auto lowest = 0.0f, highest = 0.0f;
+    ShiftTrace::Reach all { 0.0f, 0.0f };
 
-    for (const auto& point : shifts)
-        for (const auto shift : point)
-            if (! std::isnan (shift))
-            {
-                lowest = std::min (lowest, shift);
-                highest = std::max (highest, shift);
-            }
+    for (const auto& point : shifts.getPoints())
+        for (const auto& reach : point)
+            all.include (reach);
 
-    return { static_cast<int> (std::floor (lowest)) - 1, static_cast<int> (std::ceil (highest)) + 1 };
+    return { static_cast<int> (std::floor (all.low)) - 1, static_cast<int> (std::ceil (all.high)) + 1 };
 }
 
 juce::Image spectrogramImage (const Spectrogram& spectrogram, int loudest)
 {
     const auto& grid = spectrogram.grid;
     juce::Image image (juce::Image::RGB, grid.columns, grid.rows, false);
+    juce::Image::BitmapData pixels (image, juce::Image::BitmapData::writeOnly);
 
     for (int column = 0; column < grid.columns; ++column)
         for (int row = 0; row < grid.rows; ++row)
-            image.setPixelAt (
+            pixels.setPixelColour (
                 column, grid.rows - 1 - row,
                 paletteColour (1.0f
                                + (spectrogram.levelAt (column, row) - static_cast<float> (loudest)) / shownDecibels));
@@ -59,7 +59,7 @@ juce::Image spectrogramImage (const Spectrogram& spectrogram, int loudest)
 }
 
 void drawPanel (juce::Graphics& g, juce::Rectangle<float> area, const Spectrogram& spectrogram, int loudest,
-                const juce::String& title)
+                const juce::String& before, const juce::String& name, const juce::String& after)
 {
     const auto& grid = spectrogram.grid;
     g.drawImageAt (spectrogramImage (spectrogram, loudest), juce::roundToInt (area.getX()),
@@ -67,11 +67,10 @@ void drawPanel (juce::Graphics& g, juce::Rectangle<float> area, const Spectrogra
     g.setColour (ink);
     g.drawRect (area.expanded (2.0f), 2.0f);
     g.setFont (titleHeight);
-    g.drawText (title, area.withHeight (titleHeight + 8.0f).translated (0.0f, -titleHeight - 16.0f),
-                juce::Justification::centredLeft, true);
+    drawCaption (g, area.withHeight (titleHeight + 8.0f).translated (0.0f, -titleHeight - 16.0f), before, name, after);
     g.setFont (textHeight);
     drawLeftAxis (g, area, hertzTicks (grid.lowHz, grid.highHz), "frequency (Hz)");
-    drawBottomAxis (g, area, secondTicks (grid.seconds), "time (s)");
+    drawBottomAxis (g, area, timeTicks (grid.seconds), timeName (grid.seconds));
 }
 
 void drawLevelScale (juce::Graphics& g, juce::Rectangle<float> beside, int loudest)
@@ -90,42 +89,40 @@ void drawLevelScale (juce::Graphics& g, juce::Rectangle<float> beside, int loude
     drawRightAxis (g, bar, evenTicks (loudest - shownDecibels, loudest, 10, false), "level (dB)");
 }
 
-juce::Path curveOf (const std::vector<ShiftTrace::Point>& shifts, std::size_t which, const SemitoneAxis& axis,
-                    juce::Rectangle<float> area, double pointsShown, double pointsLate)
+/** @param late  samples by which what is heard comes after the shifts,  @param length  samples that the area shows */
+juce::Path curveOf (const ShiftTrace& shifts, std::size_t which, const SemitoneAxis& axis, juce::Rectangle<float> area,
+                    int late, double length)
 {
+    const auto yOf = [&] (float shift)
+    {
+        return area.getBottom()
+               - area.getHeight() * (shift - static_cast<float> (axis.low)) / static_cast<float> (axis.high - axis.low);
+    };
+
     juce::Path curve;
     bool drawing = false;
 
-    for (std::size_t i = 0; i < shifts.size(); ++i)
+    for (std::size_t i = 0; i < shifts.getPoints().size(); ++i)
     {
-        const auto x =
-            area.getX()
-            + area.getWidth() * static_cast<float> ((static_cast<double> (i + 1) - pointsLate) / pointsShown);
-        const auto shift = shifts[i][which];
+        const auto& reach = shifts.getPoints()[i][which];
+        const auto sample = static_cast<double> ((static_cast<std::int64_t> (i) + 1) * shifts.getInterval() - late);
+        const auto x = area.getX() + area.getWidth() * static_cast<float> (sample / length);
 
-        if (std::isnan (shift) || x < area.getX())
-        {
+        if (std::isnan (reach.low))
             drawing = false;
-            continue;
-        }
-
-        const auto y =
-            area.getBottom()
-            - area.getHeight() * (shift - static_cast<float> (axis.low)) / static_cast<float> (axis.high - axis.low);
-
-        if (drawing)
-            curve.lineTo (x, y);
+        else if (! std::exchange (drawing, true))
+            curve.startNewSubPath (x, yOf (reach.low));
         else
-            curve.startNewSubPath (x, y);
+            curve.lineTo (x, yOf (reach.low));
 
-        drawing = true;
+        if (reach.high > reach.low)
+            curve.lineTo (x, yOf (reach.high));
     }
 
     return curve;
 }
 
-void drawShifts (juce::Graphics& g, juce::Rectangle<float> area, const std::vector<ShiftTrace::Point>& shifts,
-                 double pointsShown, double pointsLate)
+void drawShifts (juce::Graphics& g, juce::Rectangle<float> area, const ShiftTrace& shifts, int late, double length)
 {
     const auto axis = axisFor (shifts);
     const juce::PathStrokeType halo (7.0f, juce::PathStrokeType::curved), line (3.5f, juce::PathStrokeType::curved);
@@ -136,7 +133,7 @@ void drawShifts (juce::Graphics& g, juce::Rectangle<float> area, const std::vect
 
         for (std::size_t i = 0; i < voiceCount; ++i)
         {
-            const auto curve = curveOf (shifts, i, axis, area, pointsShown, pointsLate);
+            const auto curve = curveOf (shifts, i, axis, area, late, length);
             g.setColour (juce::Colours::black.withAlpha (0.6f));
             g.strokePath (curve, halo);
             g.setColour (curveColour);
@@ -150,15 +147,15 @@ void drawShifts (juce::Graphics& g, juce::Rectangle<float> area, const std::vect
 }
 } // namespace
 
-juce::Image drawFigure (juce::AudioFormatReader& before, juce::AudioFormatReader& after, const juce::String& beforeName,
-                        const juce::String& afterName, const std::vector<ShiftTrace::Point>& shifts, int latency)
+juce::Image drawFigure (const Source& before, const Source& after, const juce::String& beforeName,
+                        const juce::String& afterName, const ShiftTrace& shifts, int latency)
 {
-    const auto samples = static_cast<double> (after.lengthInSamples);
-    const SpectrogramGrid grid { samples / after.sampleRate, lowestHz, std::min (highestHz, after.sampleRate / 2.0),
-                                 panelWidth, panelHeight };
+    const auto samples = static_cast<double> (after.length);
+    const SpectrogramGrid grid { samples / after.rate, lowestHz, std::min (highestHz, after.rate / 2.0), panelWidth,
+                                 panelHeight };
     const Spectrogram spectrumBefore (before, grid), spectrumAfter (after, grid);
-    const auto loudest =
-        static_cast<int> (std::ceil (std::max (spectrumBefore.loudest(), spectrumAfter.loudest()) / 10.0f)) * 10;
+    const auto highest = std::max (spectrumBefore.loudest(), spectrumAfter.loudest());
+    const auto loudest = std::max (quietestTop, static_cast<int> (std::ceil (highest / 10.0f)) * 10);
 
     juce::Image image (juce::Image::RGB, figureWidth, figureHeight, true);
     juce::Graphics g (image);
@@ -166,10 +163,10 @@ juce::Image drawFigure (juce::AudioFormatReader& before, juce::AudioFormatReader
 
     const juce::Rectangle<float> upper (left, top, panelWidth, panelHeight);
     const auto lower = upper.translated (0.0f, panelDistance);
-    drawPanel (g, upper, spectrumBefore, loudest, "Input: " + beforeName);
+    drawPanel (g, upper, spectrumBefore, loudest, "Input: ", beforeName, {});
     drawLevelScale (g, upper, loudest);
-    drawPanel (g, lower, spectrumAfter, loudest, "Output: " + afterName + ", and the shift that sounds");
-    drawShifts (g, lower, shifts, samples / ShiftTrace::interval, static_cast<double> (latency) / ShiftTrace::interval);
+    drawPanel (g, lower, spectrumAfter, loudest, "Output: ", afterName, ", and the shift that sounds");
+    drawShifts (g, lower, shifts, latency, samples);
     return image;
 }
 } // namespace tarvelline::render

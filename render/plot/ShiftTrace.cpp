@@ -2,25 +2,40 @@
 #include "render/plot/ShiftTrace.h"
 
 #include <algorithm>
-#include <limits>
+#include <cmath>
 
 namespace tarvelline::render
 {
 namespace
 {
+constexpr std::size_t mostPoints = 4096;
+constexpr int finest = 64; // samples: 1.5 ms at 44.1 kHz
+
 void applySettings (juce::AudioProcessor& processor, const std::vector<Setting>& settings)
 {
     for (const auto& setting : settings)
         processor.getParameters()[setting.parameter]->setValueNotifyingHost (setting.value);
 }
+
+void include (ShiftTrace::Point& point, const ShiftTrace::Point& other)
+{
+    for (std::size_t i = 0; i < point.size(); ++i)
+        point[i].include (other[i]);
+}
 } // namespace
 
-ShiftTrace::ShiftTrace (double sampleRate, const std::vector<Setting>& settings)
+void ShiftTrace::Reach::include (const Reach& other) noexcept
+{
+    low = std::fmin (low, other.low); // the number, if the other is none
+    high = std::fmax (high, other.high);
+}
+
+ShiftTrace::ShiftTrace (double sampleRate, const std::vector<Setting>& settings) : interval (finest)
 {
     // Prepared first, as the module is: a wheel that has its span follows the settings as the module's does.
-    processor.prepareToPlay (sampleRate, interval);
+    processor.prepareToPlay (sampleRate, finest);
     applySettings (processor, settings);
-    processor.prepareToPlay (sampleRate, interval);
+    processor.prepareToPlay (sampleRate, finest);
 }
 
 void ShiftTrace::play (const Block& block)
@@ -30,32 +45,54 @@ void ShiftTrace::play (const Block& block)
 
     for (int played = 0; played < block.length;)
     {
-        const auto untilPoint = interval - static_cast<int> (position % interval);
-        const auto length = std::min (untilPoint, block.length - played);
+        const auto length =
+            static_cast<int> (std::min<std::int64_t> (interval - position % interval, block.length - played));
         juce::AudioBuffer<float> silence (1, length);
         silence.clear();
         processor.processBlock (silence, midi); // empties `midi`
         played += length;
         position += length;
-
-        if (position % interval == 0)
-            notePoint();
+        note (now());
     }
 }
 
-void ShiftTrace::notePoint()
+ShiftTrace::Point ShiftTrace::now() const
 {
     const float wheel = processor.mainWheel.semitones;
     Point point;
-    point.fill (std::numeric_limits<float>::quiet_NaN());
 
     if (processor.midiTransposeMode)
-        point.front() = wheel;
+        point.front() = { wheel, wheel };
     else
         for (std::size_t i = 0; i < point.size(); ++i)
             if (const auto& slot = processor.voices.slots[i]; slot.active && slot.level > 0.0f)
-                point[i] = wheel + slot.semitones;
+                point[i] = { wheel + slot.semitones, wheel + slot.semitones };
 
-    points.push_back (point);
+    return point;
+}
+
+void ShiftTrace::note (const Point& point)
+{
+    if (position > static_cast<std::int64_t> (points.size()) * interval)
+        points.push_back (point);
+    else if (interval == finest) // close enough for the state at its end alone
+        points.back() = point;
+    else
+        include (points.back(), point);
+
+    if (points.size() == mostPoints && position % interval == 0)
+        halve();
+}
+
+void ShiftTrace::halve()
+{
+    for (std::size_t i = 0; i < mostPoints / 2; ++i)
+    {
+        points[i] = points[2 * i];
+        include (points[i], points[2 * i + 1]);
+    }
+
+    points.resize (mostPoints / 2);
+    interval *= 2;
 }
 } // namespace tarvelline::render

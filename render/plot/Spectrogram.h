@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <juce_audio_formats/juce_audio_formats.h>
+#include "render/plot/Source.h"
 
 #include <vector>
 
@@ -15,12 +15,12 @@ struct SpectrogramGrid
     int columns = 0, rows = 0;
 };
 
-/** Levels on a grid in dB, 0 for a sine of full scale; the mean power of all channels. */
+/** Levels on a grid in dB, -140 to 140, 0 for a sine of full scale; the mean power of all channels. */
 class Spectrogram
 {
 public:
     /** Analyses a recording; what the grid has beyond its end is silence. */
-    Spectrogram (juce::AudioFormatReader&, const SpectrogramGrid&);
+    Spectrogram (const Source&, const SpectrogramGrid&);
 
     /** @param row  0 is the lowest frequency */
     float levelAt (int column, int row) const { return levels[static_cast<std::size_t> (column * grid.rows + row)]; }

@@ -82,11 +82,18 @@ void printSummary (const Task& task, int bits, const RecordingOutput& out, doubl
         std::fprintf (stderr, "note: %d events come after the end and are not played\n", result.unplayedEvents);
 }
 
+Source sourceOf (juce::AudioFormatReader& reader)
+{
+    return { reader.sampleRate, static_cast<int> (reader.numChannels), reader.lengthInSamples,
+             [&reader] (juce::AudioBuffer<float>& buffer, int at, int count, std::int64_t position)
+             { reader.read (&buffer, at, count, position, true, true); } };
+}
+
 void drawPlot (const Task& task, NewFile& plot, const ShiftTrace& trace, const juce::File& rendered, int latency)
 {
     const auto before = openRecording (task.input), after = openRecording (rendered);
-    const auto image =
-        drawFigure (*before, *after, task.input.getFileName(), task.output.getFileName(), trace.getPoints(), latency);
+    const auto image = drawFigure (sourceOf (*before), sourceOf (*after), task.input.getFileName(),
+                                   task.output.getFileName(), trace, latency);
     writeWhole (plot,
                 [&] (juce::OutputStream& stream) { return juce::PNGImageFormat().writeImageToStream (image, stream); });
 }

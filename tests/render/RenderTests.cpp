@@ -2,8 +2,6 @@
 #include "tests/render/RenderRig.h"
 #include "tests/support/Meters.h"
 
-#include <juce_graphics/juce_graphics.h>
-
 #include <algorithm>
 #include <cmath>
 #include <string_view>
@@ -207,26 +205,5 @@ TEST_F (RenderTest, NotesTransposeAndBlocksDoNotMatter)
         ASSERT_TRUE (midi.writeTo (*file ("notes.mid").createOutputStream()));
         EXPECT_TRUE (sameBits (render (options + "512"), output)) << frames;
     }
-}
-
-// A curve on the wrong side or scale of its axis.
-TEST_F (RenderTest, PlotDrawsTheShiftThatSounds)
-{
-    write ("in.wav", { rate, { sine (tone, rate, 1.0, 0.5) } });
-    std::vector<int> curveRows;
-
-    for (const juce::String semitones : { "-5", "5" })
-    {
-        ASSERT_EQ (run ("in.wav out.wav --plot plot.png --semitones " + semitones).exitCode, 0);
-        const auto image = juce::ImageFileFormat::loadFrom (file ("plot.png"));
-        auto& row = curveRows.emplace_back (0);
-
-        while (row < image.getHeight() && image.getPixelAt (image.getWidth() / 2, row) != juce::Colour (0xffff8c1a))
-            ++row;
-    }
-
-    // The axes run from -6 to 1 and from -1 to 6 over the 460 rows of the spectrogram.
-    EXPECT_NEAR (curveRows[0] - curveRows[1], 460.0 * 5.0 / 7.0, 1.0);
-    EXPECT_EQ (filesThere().joinIntoString (" "), "in.wav out.wav plot.png");
 }
 } // namespace tarvelline::test
