@@ -53,8 +53,9 @@ void readSome (const juce::File& file)
     for (const auto start : { std::int64_t { 0 }, std::int64_t { recording.lengthInSamples - 256 } })
         recording.read (&buffer, 0, buffer.getNumSamples(), start, true, true);
 
-    juce::MemoryOutputStream notes;
-    appendNotes (recording.getLayout(), recording.getStream(), notes);
+    juce::FileInputStream notes (file);
+    juce::MemoryOutputStream copy;
+    appendNotes (recording.getLayout(), notes, copy);
 }
 } // namespace
 } // namespace tarvelline::fuzz

@@ -84,7 +84,8 @@ const ChannelOrder& channelOrder (std::size_t channels)
 }
 } // namespace
 
-Recording::Recording (const juce::File& file, const juce::String& name) : AudioFormatReader (nullptr, {}), path (name)
+Recording::Recording (const juce::File& recording, const juce::String& name)
+    : AudioFormatReader (nullptr, {}), file (recording), path (name)
 {
     source.stream = openFile (file, path);
     open();
@@ -117,6 +118,7 @@ void Recording::open()
     if (! endsAsItShould (*source.stream))
         throw UserError ("IN: " + path + " is cut off: its last page is missing");
 
+    hasTable = mp3HasTable (*source.stream);
     handle = openSound (source, info);
 
     if (handle == nullptr || ! isReadKind (info))
@@ -155,7 +157,7 @@ void Recording::checkDecoding()
 
     // The length of an MP3 without a table is guessed from its first frames, and what comes after that is never read.
     const auto bytesLeft = source.stream->getNumBytesRemaining();
-    const bool guessed = isMpeg && ! mp3HasTable (*source.stream);
+    const bool guessed = isMpeg && ! hasTable;
     const auto margin = guessed ? 2 * 1152 : 0;
 
     if (info.frames != SF_COUNT_MAX && position < info.frames - margin)

@@ -29,7 +29,7 @@ public:
     const std::vector<int>& getChannelMap() const { return channelMap; }
 
     const SoundLayout& getLayout() const { return layout; }
-    juce::InputStream& getStream() { return *source.stream; }
+    const juce::File& getFile() const { return file; }
     const char* getText (int which) const { return sf_get_string (handle.get(), which); }
 
 private:
@@ -37,9 +37,11 @@ private:
     void checkDecoding();
     void orderChannels();
 
-    juce::String path;
+    const juce::File file;
+    const juce::String path; // in messages
     SoundSource source;
     SoundLayout layout;
+    bool hasTable = false; // see mp3HasTable()
     SF_INFO info {};
     SoundHandle handle;
     std::vector<int> channelMap;

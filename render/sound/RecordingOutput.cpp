@@ -142,7 +142,10 @@ void RecordingOutput::finish()
     handle.reset();
 
     if (keepsNotes())
-        appendNotes (source.getLayout(), source.getStream(), *out.stream);
+    {
+        juce::FileInputStream notes (source.getFile());
+        appendNotes (source.getLayout(), notes, *out.stream);
+    }
 
     out.stream.reset();
     file.check();
