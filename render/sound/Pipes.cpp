@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -47,6 +48,14 @@ void writeAll (const char* bytes, std::size_t count)
     }
 }
 } // namespace
+
+void occupyClosedStreams()
+{
+    for (const auto stream : { STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO })
+        if (fcntl (stream, F_GETFD) < 0)
+            static_cast<void> (
+                open ("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY)); // takes the lowest number
+}
 
 juce::File fileForPipe()
 {

@@ -121,10 +121,12 @@ void Recording::open()
     hasTable = mp3HasTable (*source.stream);
     handle = openSound (source, info);
 
-    if (handle == nullptr || ! isReadKind (info))
-        throw UserError ("IN: " + path + " cannot be read: "
-                         + (handle == nullptr ? juce::String::fromUTF8 (sf_strerror (nullptr)) + " Convert it to WAV"
-                                              : "it is none of " + juce::String (knownKinds)));
+    if (handle == nullptr)
+        throw UserError ("IN: " + path + " cannot be read (" + sf_strerror (nullptr)
+                         + "); another program may convert it to plain WAV");
+
+    if (! isReadKind (info))
+        throw UserError ("IN: " + path + " is none of " + knownKinds);
 
     if (info.samplerate < leastRate || info.samplerate > mostRate)
         throw UserError ("IN: " + path + " has a rate of " + juce::String (info.samplerate)
@@ -209,7 +211,7 @@ bool Recording::readSamples (int* const* channels, int channelCount, int startIn
 
     if (start != position && sf_seek (handle.get(), start, SEEK_SET) != start)
         throw UserError ("IN: " + path
-                         + " has an encoding that can only be read once from its start; convert it to WAV");
+                         + " has an encoding that can only be read once from its start; convert it to plain WAV");
 
     const auto width = static_cast<std::size_t> (info.channels);
     frames.resize (std::max (frames.size(), static_cast<std::size_t> (count) * width));

@@ -4,6 +4,9 @@
 #include "render/options/Errors.h"
 #include "render/sound/Pipes.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace tarvelline::render
 {
 namespace
@@ -47,6 +50,9 @@ SoundHandle openKind (SoundTarget& target, const FileKind& kind, SF_INFO info)
 
     return handle;
 }
+
+// An encoder may end the program over what is no sound: 24 dB above full scale are more than any player has room for.
+float encodable (float sample) { return std::isfinite (sample) ? std::clamp (sample, -16.0f, 16.0f) : 0.0f; }
 
 // Some encoders refuse a rate only when they get samples.
 juce::String whyNot (const FileKind& kind, const SF_INFO& info)
@@ -124,7 +130,8 @@ void RecordingOutput::append (const juce::AudioBuffer<float>& buffer, int start,
 
     for (int i = start; i < start + count; ++i)
         for (int channel = 0; channel < buffer.getNumChannels(); ++channel)
-            frames.push_back (buffer.getSample (channel, i));
+            frames.push_back (kind.isLossy() ? encodable (buffer.getSample (channel, i))
+                                             : buffer.getSample (channel, i));
 
     const auto written = sampleBits == bitsOfFloat ? sf_writef_float (handle.get(), frames.data(), count)
                                                    : sf_writef_int (handle.get(), quantiser.convert (frames), count);
