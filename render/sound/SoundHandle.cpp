@@ -33,7 +33,7 @@ struct Reading
         const auto wanted = static_cast<int> (std::clamp<sf_count_t> (count, 0, 1 << 30));
         const auto got = std::max (0, stream->read (into, wanted));
 
-        for (std::size_t i = 0; i < patch.getSize(); ++i)
+        for (std::size_t i = 0; i < patch.size(); ++i)
             if (const auto place = patchPlace + static_cast<sf_count_t> (i) - start; place >= 0 && place < got)
                 static_cast<char*> (into)[place] = patch[i];
 

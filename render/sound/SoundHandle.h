@@ -6,6 +6,7 @@
 #include <sndfile.h>
 
 #include <memory>
+#include <string>
 
 namespace tarvelline::render
 {
@@ -22,7 +23,7 @@ struct SoundSource
 {
     std::unique_ptr<juce::InputStream> stream;
     juce::int64 patchPlace = 0; // bytes from the start
-    juce::MemoryBlock patch;
+    std::string patch;
 };
 
 /** A file to write, and how long it has become. */

@@ -96,8 +96,9 @@ void noteSound (SoundLayout& layout, juce::InputStream& in, juce::int64 start, c
     {
         layout.promised = rest;
         layout.lengthPlace = field.place;
-        juce::MemoryOutputStream out (layout.length, false);
+        juce::MemoryOutputStream out;
         writeNumber (out, rest + field.counted, field.bytes, field.bigEndian);
+        layout.length.assign (static_cast<const char*> (out.getData()), out.getDataSize());
     }
 
     layout.present = std::min (rest, layout.promised);

@@ -32,7 +32,7 @@ struct SoundLayout
     // Where the length of the sound stands, and what should stand there when the file was written before it was known; else
     // empty.
     juce::int64 lengthPlace = 0;
-    juce::MemoryBlock length;
+    std::string length;
 };
 
 /** False when a file begins as none of the kinds that are read. */
