@@ -6,7 +6,6 @@
 #include "render/running/StateFile.h"
 #include "render/sound/Recording.h"
 
-#include <cstring>
 #include <string_view>
 
 namespace tarvelline::fuzz
@@ -48,11 +47,15 @@ void playEvents (const std::vector<TimedSetting>& changes, const std::vector<Tim
 
 void readSome (const juce::File& file)
 {
-    const auto reader = openRecording (file);
-    juce::AudioBuffer<float> buffer (static_cast<int> (reader->numChannels), 512);
+    Recording recording (file, file.getFullPathName());
+    juce::AudioBuffer<float> buffer (static_cast<int> (recording.numChannels), 512);
 
-    for (const auto start : { std::int64_t { 0 }, std::int64_t { reader->lengthInSamples - 256 } })
-        require (reader->read (&buffer, 0, buffer.getNumSamples(), start, true, true), "what was opened can be read");
+    for (const auto start : { std::int64_t { 0 }, std::int64_t { recording.lengthInSamples - 256 } })
+        recording.read (&buffer, 0, buffer.getNumSamples(), start, true, true);
+
+    juce::FileInputStream notes (file);
+    juce::MemoryOutputStream copy;
+    appendNotes (recording.getLayout(), notes, copy);
 }
 } // namespace
 } // namespace tarvelline::fuzz
@@ -60,8 +63,8 @@ void readSome (const juce::File& file)
 int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t size)
 {
     using namespace tarvelline::fuzz;
-    static const juce::TemporaryFile wav (".wav"), flac (".flac"); // a recording is read as what its name says
-    const auto& file = (size > 3 && std::memcmp (data, "fLaC", 4) == 0 ? flac : wav).getFile();
+    static const juce::TemporaryFile temporary;
+    const auto& file = temporary.getFile();
 
     if (size == 0 ? ! file.replaceWithText ({}) : ! file.replaceWithData (data, size))
         return 0;

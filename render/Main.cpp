@@ -6,6 +6,7 @@
 #include "render/running/RenderFile.h"
 #include "render/running/Terminal.h"
 #include "render/running/Workers.h"
+#include "render/sound/Pipes.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -130,6 +131,7 @@ int run (const Options& options)
 
 int main (int count, char** values)
 {
+    occupyClosedStreams();
     juce::StringArray arguments;
 
     for (int i = 1; i < count; ++i)

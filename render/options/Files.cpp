@@ -64,6 +64,8 @@ juce::String shellFriendly (const juce::String& name)
 
 juce::File fileNamed (const juce::String& path) { return juce::File::getCurrentWorkingDirectory().getChildFile (path); }
 
+juce::File soundFileNamed (const juce::String& path) { return path == "-" ? juce::File() : fileNamed (path); }
+
 std::vector<Task> tasksInto (const juce::File& folder, const juce::StringArray& recordings, const juce::String& ending)
 {
     std::vector<Task> tasks;
@@ -71,7 +73,7 @@ std::vector<Task> tasksInto (const juce::File& folder, const juce::StringArray& 
 
     for (const auto& recording : recordings)
     {
-        const auto input = fileNamed (recording);
+        const auto input = soundFileNamed (recording);
         const auto name = shellFriendly (input.getFileNameWithoutExtension()) + "." + ending;
 
         if (const auto [before, isNew] = sources.emplace (name, recording); ! isNew)

@@ -8,6 +8,9 @@ namespace tarvelline::render
 /** A path as the command line gives it. */
 juce::File fileNamed (const juce::String& path);
 
+/** The same, and juce::File() for -, the standard input or output. */
+juce::File soundFileNamed (const juce::String& path);
+
 /** The recordings, each with a file in a folder, called like it, of an ending. Of its name only letters, digits and . _ + -
     are kept, - for the rest, so that no shell minds it. Throws UserError when two would be one file. */
 std::vector<Task> tasksInto (const juce::File& folder, const juce::StringArray& recordings, const juce::String& ending);

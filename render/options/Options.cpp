@@ -4,7 +4,7 @@
 #include "processor/Parameters.h"
 #include "render/options/Errors.h"
 #include "render/options/Files.h"
-#include "render/sound/RecordingOutput.h"
+#include "render/sound/FileKinds.h"
 
 #include <algorithm>
 #include <array>
@@ -52,12 +52,14 @@ void setBits (Options& options, const juce::String& text)
     options.bits = text.getIntValue();
 }
 
-void setFormat (Options& options, const juce::String& text)
-{
-    if (text != "wav" && text != "aiff" && text != "flac")
-        throw UserError ("--format " + text + ": give wav, aiff or flac");
+void setFormat (Options& options, const juce::String& text) { options.format = fileKind ({}, text).name; }
 
-    options.format = text;
+void setChannels (Options& options, const juce::String& text)
+{
+    if (text != "pairs" && text != "single")
+        throw UserError ("--channels " + text + ": give pairs or single");
+
+    options.channels = text == "pairs" ? ChannelRule::pairs : ChannelRule::single;
 }
 
 struct Row
@@ -66,7 +68,7 @@ struct Row
     void (*take) (Options&, const juce::String& value);
 };
 
-const std::array<Row, 14> rows { {
+const std::array<Row, 15> rows { {
     { "--set", addSetting },
     { "--semitones", setSemitones },
     { "--midi", [] (Options& o, const juce::String& text) { o.midi = fileNamed (text); } },
@@ -78,6 +80,7 @@ const std::array<Row, 14> rows { {
     { "--bits", setBits },
     { "--jobs", [] (Options& o, const juce::String& text) { o.jobs = wholeNumber ("--jobs", text, mostJobs); } },
     { "--format", setFormat },
+    { "--channels", setChannels },
     { "--out-dir", [] (Options& o, const juce::String& text) { o.outputFolder = fileNamed (text); } },
     { "--state", [] (Options& o, const juce::String& text) { o.state = fileNamed (text); } },
     { "--save-state", [] (Options& o, const juce::String& text) { o.savedState = fileNamed (text); } },
@@ -141,9 +144,10 @@ void addTasks (Options& options, const juce::StringArray& files)
                                              : "more than two files: " + files[2] + " is too many without --out-dir")
                          + juce::String ("; tarvelline-render --help shows how"));
     else if (intoFolder)
-        options.tasks = tasksInto (options.outputFolder, files, options.format);
+        options.tasks =
+            tasksInto (options.outputFolder, files, options.format.isEmpty() ? juce::String ("wav") : options.format);
     else
-        options.tasks = { { fileNamed (files[0]), fileNamed (files[1]) } };
+        options.tasks = { { soundFileNamed (files[0]), soundFileNamed (files[1]) } };
 }
 
 void checkCombinations (const Options& options)
@@ -157,8 +161,8 @@ void checkCombinations (const Options& options)
             if (file != juce::File())
                 throw UserError (juce::String (name) + " is for one IN: leave it out with several");
 
-    if (options.outputFolder != juce::File() && ! options.tasks.empty())
-        sampleBits (options.tasks.front().output, options.bits); // throws when they do not fit the format
+    if (! options.tasks.empty()) // throws when they do not fit together
+        sampleBits (fileKind (options.tasks.front().output, options.format), options.bits);
 }
 } // namespace
 
@@ -175,7 +179,7 @@ Options parseOptions (const juce::StringArray& arguments)
     for (int next = 0; next < arguments.size();)
         if (arguments[next] == "--preset-list")
             ++next;
-        else if (arguments[next].startsWithChar ('-'))
+        else if (arguments[next].startsWithChar ('-') && arguments[next] != "-")
             takeOption (options, arguments, next);
         else
             files.add (arguments[next++]);

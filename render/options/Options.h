@@ -7,10 +7,18 @@
 
 namespace tarvelline::render
 {
-/** A recording to render, and the file to make of it. */
+/** A recording to render, and the file to make of it; juce::File() for the standard input and output. */
 struct Task
 {
     juce::File input, output;
+};
+
+/** Which channels share a plug-in. */
+enum class ChannelRule
+{
+    byMap, // left and right of the same place, as the file labels them; without labels as `pairs`
+    pairs, // first and second, third and fourth, ...
+    single
 };
 
 /** What the command line asks for. A file that was not named is juce::File(). */
@@ -31,9 +39,10 @@ struct Options
     std::vector<Setting> settings;   // in force from the first sample on, in the order given
     std::optional<double> semitones; // already part of `settings`
     juce::File midi, automation, module, plot, state, savedState, outputFolder;
-    juce::String preset, format = "wav"; // the format of files in outputFolder, by its ending
-    int blockSize = 512;                 // samples, the most that the module gets at once
-    int bits = 0; // of a sample: 16 or 24 = integer, 32 = float, 0 = the most that the format has
+    juce::String preset, format; // a FileKind's name; empty for what OUT's ending says, in outputFolder for wav
+    ChannelRule channels = ChannelRule::byMap;
+    int blockSize = 512; // samples, the most that the module gets at once
+    int bits = 0;        // of a sample: 16 or 24 = integer, 32 = float, 0 = the most that the format has
 };
 
 /** Reads the command line, without the program's name. Throws UserError for anything it does not know or accept; whether

@@ -6,12 +6,11 @@
 #include "render/options/Files.h"
 #include "render/plot/Figure.h"
 #include "render/running/FindModule.h"
-#include "render/running/HostedModule.h"
 #include "render/running/Presets.h"
 #include "render/running/Renderer.h"
 #include "render/running/StateFile.h"
 #include "render/running/Terminal.h"
-#include "render/sound/Recording.h"
+#include "render/sound/Pipes.h"
 
 #include <juce_events/juce_events.h>
 
@@ -57,21 +56,39 @@ void writeWhole (NewFile& file, const std::function<bool (juce::OutputStream&)>&
         throw UserError ("cannot write " + file.getTemporaryFile().getFullPathName());
 }
 
-void writeState (NewFile& file, const HostedModule& module)
+void readPipe (NewFile& file)
+{
+    writeWhole (file,
+                [] (juce::OutputStream& stream)
+                {
+                    copyFromInput (stream);
+                    return true;
+                });
+}
+
+void writeState (NewFile& file, const ModuleBank& module)
 {
     const auto state = module.getPreset();
     writeWhole (file, [&] (juce::OutputStream& stream) { return stream.write (state.getData(), state.getSize()); });
 }
 
+// What messages and pictures call a file, or what stands for it.
+juce::String pathOr (const char* pipe, const juce::File& file)
+{
+    return file == juce::File() ? juce::String (pipe) : file.getFullPathName();
+}
+
 void printSummary (const Task& task, int bits, const RecordingOutput& out, double rate, int latency,
                    const RenderResult& result)
 {
+    auto* const messages = task.output == juce::File() ? stderr : stdout;
     const auto seconds = static_cast<double> (out.getLength()) / rate;
     const auto peak = juce::Decibels::gainToDecibels (result.peak, -144.0f);
 
-    std::printf (
+    std::fprintf (
+        messages,
         "%s: %.2f s, peak %.1f dBFS, latency %d samples (%.1f ms) taken out, %.1f times faster than real time\n",
-        task.output.getFullPathName().toRawUTF8(), seconds, static_cast<double> (peak), latency,
+        pathOr ("standard output", task.output).toRawUTF8(), seconds, static_cast<double> (peak), latency,
         1000.0 * latency / rate, seconds / result.seconds);
 
     if (bits < 32 && result.peak > 1.0f)
@@ -89,11 +106,14 @@ Source sourceOf (juce::AudioFormatReader& reader)
              { reader.read (&buffer, at, count, position, true, true); } };
 }
 
-void drawPlot (const Task& task, NewFile& plot, const ShiftTrace& trace, const juce::File& rendered, int latency)
+void drawPlot (const Task& task, NewFile& plot, const ShiftTrace& trace, Recording& before, const juce::File& rendered,
+               int latency)
 {
-    const auto before = openRecording (task.input), after = openRecording (rendered);
-    const auto image = drawFigure (sourceOf (*before), sourceOf (*after), task.input.getFileName(),
-                                   task.output.getFileName(), trace, latency);
+    Recording after (rendered, rendered.getFullPathName());
+    const auto image =
+        drawFigure (sourceOf (before), sourceOf (after),
+                    pathOr ("standard input", task.input).fromLastOccurrenceOf ("/", false, false),
+                    pathOr ("standard output", task.output).fromLastOccurrenceOf ("/", false, false), trace, latency);
     writeWhole (plot,
                 [&] (juce::OutputStream& stream) { return juce::PNGImageFormat().writeImageToStream (image, stream); });
 }
@@ -104,30 +124,36 @@ void renderFile (const Options& asked, Task task)
     const juce::ScopedJuceInitialiser_GUI framework; // the module's interface wants a message thread
     auto options = asked;
     checkTargets (options, task);
-    const auto bits = sampleBits (task.output, options.bits);
-    const auto in = openRecording (task.input);
+    const auto& kind = fileKind (task.output, options.format);
+    const auto bits = sampleBits (kind, options.bits);
+    std::optional<NewFile> piped, plot, state;
+
+    if (task.input == juce::File())
+        readPipe (piped.emplace ("IN", fileForPipe()));
+
+    Recording in (piped ? piped->getTemporaryFile() : task.input, pathOr ("the standard input", task.input));
     const auto changes =
         options.automation == juce::File() ? std::vector<TimedSetting>() : readAutomation (options.automation);
     const auto messages = options.midi == juce::File() ? std::vector<TimedMessage>() : readMidi (options.midi);
     const auto settings = startingSettings (options);
 
-    HostedModule module (findModule (options.module));
-    module.prepare (in->sampleRate, static_cast<int> (in->numChannels), options.blockSize, settings);
+    ModuleBank modules (findModule (options.module), static_cast<int> (in.numChannels), in.getChannelMap(),
+                        options.channels);
+    modules.prepare (in.sampleRate, options.blockSize, settings);
 
     std::optional<ShiftTrace> trace;
-    std::optional<NewFile> plot, state;
 
     if (options.plot != juce::File())
     {
-        trace.emplace (in->sampleRate, settings);
+        trace.emplace (in.sampleRate, settings);
         plot.emplace ("--plot", options.plot);
     }
 
     if (options.savedState != juce::File())
-        writeState (state.emplace ("--save-state", options.savedState), module);
+        writeState (state.emplace ("--save-state", options.savedState), modules);
 
-    RecordingOutput out (task.output, bits, *in);
-    const auto result = renderRecording (*in, module, { changes, messages, in->sampleRate }, options.blockSize, out,
+    RecordingOutput out (task.output, kind, bits, in);
+    const auto result = renderRecording (in, modules, { changes, messages, in.sampleRate }, options.blockSize, out,
                                          [&] (const Block& block)
                                          {
                                              if (trace)
@@ -136,7 +162,7 @@ void renderFile (const Options& asked, Task task)
     out.finish();
 
     if (plot)
-        drawPlot (task, *plot, *trace, out.getTemporaryFile(), module.getLatency());
+        drawPlot (task, *plot, *trace, in, out.getTemporaryFile(), modules.getLatency());
 
     if (interrupted())
         throw Interrupted();
@@ -147,7 +173,7 @@ void renderFile (const Options& asked, Task task)
         if (*file)
             (*file)->commit();
 
-    printSummary (task, bits, out, in->sampleRate, module.getLatency(), result);
+    printSummary (task, bits, out, in.sampleRate, modules.getLatency(), result);
 }
 
 void saveStateOnly (const Options& asked)
@@ -158,8 +184,8 @@ void saveStateOnly (const Options& asked)
     checkTargets (options, none);
 
     constexpr double anyRate = 44100.0; // a state is the same at every rate
-    HostedModule module (findModule (options.module));
-    module.prepare (anyRate, 2, options.blockSize, startingSettings (options));
+    ModuleBank module (findModule (options.module), 2, {}, ChannelRule::pairs);
+    module.prepare (anyRate, options.blockSize, startingSettings (options));
 
     NewFile state ("--save-state", options.savedState);
     writeState (state, module);

@@ -6,20 +6,10 @@
 
 namespace tarvelline::render
 {
-namespace
-{
-// Past the end of the recording comes silence.
-void readInput (juce::AudioFormatReader& in, juce::AudioBuffer<float>& buffer, std::int64_t start)
-{
-    if (! in.read (&buffer, 0, buffer.getNumSamples(), start, true, true))
-        throw UserError ("IN: cannot read on at sample " + juce::String (start));
-}
-} // namespace
-
-RenderResult renderRecording (juce::AudioFormatReader& in, HostedModule& module, Timeline timeline, int largestBlock,
+RenderResult renderRecording (Recording& in, ModuleBank& modules, Timeline timeline, int largestBlock,
                               RecordingOutput& out, const std::function<void (const Block&)>& observe)
 {
-    const auto latency = module.getLatency();
+    const auto latency = modules.getLatency();
     const auto tail = latency;
     const auto end = in.lengthInSamples + tail + latency;
     const auto began = juce::Time::getMillisecondCounterHiRes();
@@ -36,8 +26,8 @@ RenderResult renderRecording (juce::AudioFormatReader& in, HostedModule& module,
         const auto block =
             timeline.blockAt (position, static_cast<int> (juce::jmin<std::int64_t> (largestBlock, end - position)));
         buffer.setSize (buffer.getNumChannels(), block.length, false, false, true);
-        readInput (in, buffer, position);
-        module.process (buffer, block);
+        in.read (&buffer, 0, block.length, position, true, true); // past its end comes silence
+        modules.process (buffer, block);
 
         const auto skip = static_cast<int> (juce::jlimit<std::int64_t> (0, block.length, latency - position));
         out.append (buffer, skip, block.length - skip);

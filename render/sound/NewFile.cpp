@@ -3,6 +3,10 @@
 
 #include "render/options/Errors.h"
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
 namespace tarvelline::render
 {
 namespace
@@ -48,17 +52,34 @@ private:
     bool& failed;
     juce::int64 length = 0;
 };
+
+// Hidden, and of an ending that nobody's wildcard looks for; a name may be as long as the file system allows already.
+juce::File hiddenBeside (const juce::File& target)
+{
+    constexpr int kept = 40; // characters
+    return target.getSiblingFile ("." + target.getFileName().substring (0, kept) + "."
+                                  + juce::Uuid().toString().substring (0, 8) + ".part");
+}
 } // namespace
+
+NewFile::NewFile (const juce::String& role, const juce::File& target)
+    : name (role), temporary (target, hiddenBeside (target))
+{
+}
 
 std::unique_ptr<juce::OutputStream> NewFile::open()
 {
-    auto stream = std::make_unique<juce::FileOutputStream> (temporary.getFile());
+    // "x": made here or not at all, so that nothing is written into a file or through a link that is there already.
+    auto* made = std::fopen (temporary.getFile().getFullPathName().toRawUTF8(), "wbx");
 
-    if (stream->failedToOpen())
+    if (made == nullptr)
         throw UserError (name + ": cannot write into "
                          + temporary.getTargetFile().getParentDirectory().getFullPathName() + ": "
-                         + stream->getStatus().getErrorMessage());
+                         + juce::String (std::strerror (errno)));
 
+    std::fclose (made);
+    auto stream = std::make_unique<juce::FileOutputStream> (temporary.getFile());
+    failed |= stream->failedToOpen();
     return std::make_unique<WatchedStream> (std::move (stream), failed);
 }
 

@@ -7,14 +7,14 @@
 
 namespace tarvelline::render
 {
-/** A file that comes into being whole or not at all: what is written goes into a temporary file beside the target, which
+/** A file that comes into being whole or not at all: what is written goes into a hidden file beside the target, which
     takes the target's place in commit(). Destroyed before that, it leaves nothing behind and the target as it was. */
 class NewFile
 {
 public:
     /** @param role    what messages call it: "OUT", "--plot"
         @param target  a file or nothing yet; through a link, what it points at is replaced */
-    NewFile (const juce::String& role, const juce::File& target) : name (role), temporary (target) {}
+    NewFile (const juce::String& role, const juce::File& target);
 
     /** The stream that fills it. A failure to write is kept here, also one that comes as the stream is deleted; the stream
         must not outlive this. Throws UserError when the file cannot be made. */

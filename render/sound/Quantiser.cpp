@@ -6,31 +6,23 @@
 
 namespace tarvelline::render
 {
-const int** Quantiser::convert (const juce::AudioBuffer<float>& buffer, int start, int count)
+const int* Quantiser::convert (const std::vector<float>& samples)
 {
     const auto fullScale = std::ldexp (1.0, bits - 1); // in steps
     const auto dithered = bits == 16;
+    integers.clear();
 
-    for (int channel = 0; channel < buffer.getNumChannels(); ++channel)
+    for (const auto sample : samples)
     {
-        auto& made = samples[static_cast<std::size_t> (channel)];
-        made.clear();
+        auto steps = std::isnan (sample) ? 0.0 : static_cast<double> (sample) * fullScale;
 
-        for (int i = start; i < start + count; ++i)
-        {
-            const auto sample = buffer.getSample (channel, i);
-            auto steps = std::isnan (sample) ? 0.0 : static_cast<double> (sample) * fullScale;
+        if (dithered)
+            steps += noise.nextDouble() - noise.nextDouble();
 
-            if (dithered)
-                steps += noise.nextDouble() - noise.nextDouble();
-
-            const auto rounded = std::clamp (std::round (steps), -fullScale, fullScale - 1.0);
-            made.push_back (static_cast<int> (rounded) * (1 << (32 - bits)));
-        }
-
-        channels[static_cast<std::size_t> (channel)] = made.data();
+        const auto rounded = std::clamp (std::round (steps), -fullScale, fullScale - 1.0);
+        integers.push_back (static_cast<int> (rounded) * (1 << (32 - bits)));
     }
 
-    return channels.data();
+    return integers.data();
 }
 } // namespace tarvelline::render

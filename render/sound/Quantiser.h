@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <juce_audio_basics/juce_audio_basics.h>
+#include <juce_core/juce_core.h>
 
-#include <array>
 #include <vector>
 
 namespace tarvelline::render
@@ -16,14 +15,12 @@ class Quantiser
 public:
     explicit Quantiser (int bitsPerSample) : bits (bitsPerSample) {}
 
-    /** The samples as a format writer takes them: in the upper bits of 32, one array a channel. Valid until the next call.
-        One or two channels. */
-    const int** convert (const juce::AudioBuffer<float>&, int start, int count);
+    /** The samples as the sound library takes them: in the upper bits of 32. Valid until the next call. */
+    const int* convert (const std::vector<float>&);
 
 private:
     const int bits;
     juce::Random noise { 1 };
-    std::array<std::vector<int>, 2> samples;
-    std::array<const int*, 2> channels {};
+    std::vector<int> integers;
 };
 } // namespace tarvelline::render

@@ -2,85 +2,167 @@
 #include "render/sound/RecordingOutput.h"
 
 #include "render/options/Errors.h"
-#include "render/sound/FlacFormat.h"
+#include "render/sound/Pipes.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace tarvelline::render
 {
 namespace
 {
-std::unique_ptr<juce::AudioFormat> formatFor (const juce::File& target)
+constexpr int bitsOfFloat = 32;
+
+int encoding (const FileKind& kind, int bits)
 {
-    if (target.hasFileExtension ("wav"))
-        return std::make_unique<juce::WavAudioFormat>();
-
-    if (target.hasFileExtension ("aif;aiff"))
-        return std::make_unique<juce::AiffAudioFormat>();
-
-    if (target.hasFileExtension ("flac"))
-        return createFlacFormat();
-
-    throw UserError ("OUT: " + target.getFullPathName() + " should end in .wav, .aif, .aiff or .flac");
+    return kind.isLossy() ? 0 : bits == 16 ? SF_FORMAT_PCM_16 : bits == 24 ? SF_FORMAT_PCM_24 : SF_FORMAT_FLOAT;
 }
 
-// The notes in a file, for another of the same kind: the kinds name theirs differently. A writer believes how many of each
-// there are said to be, and would make room for billions that a damaged file does not hold.
-juce::StringPairArray notesFor (const juce::AudioFormat& format, const juce::AudioFormatReader& source)
+// A WAV is RF64 when it would be too long, and tells what its channels are for when they are more than two.
+int container (const FileKind& kind, int channels, juce::int64 bytes)
 {
-    const auto& notes = source.metadataValues;
+    constexpr juce::int64 longest = 0xf0000000; // bytes; the notes need some room
 
-    if (format.getFormatName() != source.getFormatName())
-        return {};
+    return kind.format != SF_FORMAT_WAV ? kind.format
+           : bytes > longest            ? SF_FORMAT_RF64
+           : channels > 2               ? SF_FORMAT_WAVEX
+                                        : SF_FORMAT_WAV;
+}
 
-    for (const auto count : { "NumCuePoints", "NumCueLabels", "NumCueNotes", "NumCueRegions", "NumSampleLoops" })
-        if (! juce::isPositiveAndNotGreaterThan (notes[count].getLargeIntValue(), notes.size()))
-            return {};
+// Set before the first samples.
+SoundHandle openKind (SoundTarget& target, const FileKind& kind, SF_INFO info)
+{
+    auto handle = openSound (target, info);
 
-    return notes;
+    if (handle == nullptr)
+        return nullptr;
+
+    // It would hold the time of day.
+    sf_command (handle.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
+
+    if (kind.isLossy())
+    {
+        auto mode = static_cast<int> (SF_BITRATE_MODE_VARIABLE);
+        auto quality = kind.quality;
+        sf_command (handle.get(), SFC_SET_BITRATE_MODE, &mode, sizeof (mode));
+        sf_command (handle.get(), SFC_SET_VBR_ENCODING_QUALITY, &quality, sizeof (quality));
+    }
+
+    return handle;
+}
+
+// An encoder may end the program over what is no sound: 24 dB above full scale are more than any player has room for.
+float encodable (float sample) { return std::isfinite (sample) ? std::clamp (sample, -16.0f, 16.0f) : 0.0f; }
+
+// Some encoders refuse a rate only when they get samples.
+juce::String whyNot (const FileKind& kind, const SF_INFO& info)
+{
+    SoundTarget nowhere { std::make_unique<juce::MemoryOutputStream>() };
+    const auto handle = openKind (nowhere, kind, info);
+    const std::vector<float> silence (static_cast<std::size_t> (info.channels) * 4096);
+
+    return handle != nullptr && sf_writef_float (handle.get(), silence.data(), 4096) == 4096
+               ? juce::String()
+               : juce::String::fromUTF8 (sf_strerror (handle.get()));
 }
 } // namespace
 
-int sampleBits (const juce::File& target, int asked)
+RecordingOutput::RecordingOutput (const juce::File& target, const FileKind& fileKind, int bits, Recording& recording)
+    : kind (fileKind), source (recording), sampleBits (bits), isPiped (target == juce::File()),
+      file ("OUT", isPiped ? fileForPipe() : target), quantiser (bits)
 {
-    const auto format = formatFor (target);
-    const auto possible = format->getPossibleBitDepths();
+    open();
 
-    if (asked != 0 && ! possible.contains (asked))
-        throw UserError ("--bits " + juce::String (asked) + ": a " + format->getFormatName() + " has 16 or 24 bits");
-
-    return asked != 0 ? asked : possible.getLast();
+    if (! keepsNotes())
+        takeTexts();
 }
 
-RecordingOutput::RecordingOutput (const juce::File& target, int bits, const juce::AudioFormatReader& source)
-    : file ("OUT", target), quantiser (bits)
+void RecordingOutput::open()
 {
-    const auto format = formatFor (target);
-    auto stream = file.open();
-    writer.reset (format->createWriterFor (stream.get(), source.sampleRate, source.numChannels, bits,
-                                           notesFor (*format, source), 0));
+    const auto channels = static_cast<int> (source.numChannels);
+    const auto bytes = source.lengthInSamples * channels * sampleBits / 8;
+    SF_INFO info {};
+    info.samplerate = static_cast<int> (source.sampleRate);
+    info.channels = channels;
+    info.format = container (kind, channels, bytes) | encoding (kind, sampleBits);
+    const auto refusal = channels > kind.mostChannels ? "it has " + juce::String (kind.mostChannels) + " at most"
+                         : bytes > kind.mostBytes     ? juce::String ("it ends at 4 GiB")
+                                                      : whyNot (kind, info);
 
-    if (writer == nullptr)
-        throw UserError ("OUT: a " + format->getFormatName() + " cannot have " + juce::String (source.sampleRate)
-                         + " Hz with " + juce::String (bits) + " bits");
+    if (refusal.isNotEmpty())
+        throw UserError ("OUT: " + juce::String (kind.inWords) + " of " + juce::String (channels) + " channels at "
+                         + juce::String (info.samplerate) + " Hz and "
+                         + juce::String (static_cast<double> (source.lengthInSamples) / source.sampleRate, 1)
+                         + " s cannot be written: " + refusal);
 
-    static_cast<void> (stream.release()); // to the writer
+    out.stream = file.open();
+    handle = openKind (out, kind, info);
+
+    if (handle == nullptr)
+        throw UserError ("OUT: cannot begin " + file.getTemporaryFile().getFullPathName() + ": "
+                         + sf_strerror (nullptr));
+
+    auto map = source.getChannelMap();
+
+    if (channels > 2 && ! map.empty())
+        sf_command (handle.get(), SFC_SET_CHANNEL_MAP_INFO, map.data(), static_cast<int> (map.size() * sizeof (int)));
+}
+
+bool RecordingOutput::keepsNotes() const
+{
+    using Family = SoundLayout::Family;
+    const auto family = source.getLayout().family;
+    return (family == Family::riff && kind.format == SF_FORMAT_WAV)
+           || (family == Family::aiff && kind.format == SF_FORMAT_AIFF);
+}
+
+// The name of the program that made it is left out: the library would add its own.
+void RecordingOutput::takeTexts()
+{
+    for (int text = SF_STR_FIRST; text <= SF_STR_LAST; ++text)
+        if (const auto* words = source.getText (text); words != nullptr && text != SF_STR_SOFTWARE)
+            sf_set_string (handle.get(), text, words);
 }
 
 void RecordingOutput::append (const juce::AudioBuffer<float>& buffer, int start, int count)
 {
-    const bool written = writer->isFloatingPoint()
-                             ? writer->writeFromAudioSampleBuffer (buffer, start, count)
-                             : count == 0 || writer->write (quantiser.convert (buffer, start, count), count);
+    frames.clear();
+
+    for (int i = start; i < start + count; ++i)
+        for (int channel = 0; channel < buffer.getNumChannels(); ++channel)
+            frames.push_back (kind.isLossy() ? encodable (buffer.getSample (channel, i))
+                                             : buffer.getSample (channel, i));
+
+    const auto written = sampleBits == bitsOfFloat ? sf_writef_float (handle.get(), frames.data(), count)
+                                                   : sf_writef_int (handle.get(), quantiser.convert (frames), count);
     file.check();
 
-    if (! written)
-        throw UserError ("OUT: cannot write on after " + juce::String (samplesWritten) + " samples; is it too long?");
+    if (written != count)
+        throw UserError ("OUT: cannot write on after " + juce::String (samplesWritten + written)
+                         + " samples: " + sf_strerror (handle.get()));
 
     samplesWritten += count;
 }
 
 void RecordingOutput::finish()
 {
-    writer.reset();
+    handle.reset();
+
+    if (keepsNotes())
+    {
+        juce::FileInputStream notes (source.getFile());
+        appendNotes (source.getLayout(), notes, *out.stream);
+    }
+
+    out.stream.reset();
     file.check();
+}
+
+void RecordingOutput::commit()
+{
+    if (isPiped)
+        copyToOutput (file.getTemporaryFile());
+    else
+        file.commit();
 }
 } // namespace tarvelline::render

@@ -40,13 +40,13 @@ protected:
     juce::File file (const juce::String& name) const { return folder.getChildFile (name); }
 
     /** Writes a sound file of the kind that the name ends in, with the most bits it takes: 32 in .wav, 24 in .aiff. */
-    void write (const juce::String& name, const Recording& recording, const juce::StringPairArray& notes = {})
+    void write (const juce::String& name, const Recording& recording)
     {
         file (name).deleteFile();
         auto& format = *formats.findFormatForFileExtension (file (name).getFileExtension());
         const std::unique_ptr<juce::AudioFormatWriter> writer (format.createWriterFor (
             new juce::FileOutputStream (file (name)), recording.rate,
-            static_cast<unsigned int> (recording.channels.size()), format.getPossibleBitDepths().getLast(), notes, 0));
+            static_cast<unsigned int> (recording.channels.size()), format.getPossibleBitDepths().getLast(), {}, 0));
         std::vector<const float*> data;
 
         for (auto& channel : recording.channels)
