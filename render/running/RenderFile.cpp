@@ -46,6 +46,25 @@ std::vector<Setting> startingSettings (const Options& options)
     return settings;
 }
 
+bool playsVoices (const std::vector<Setting>& settings)
+{
+    const auto notes = parameterIndex (parameterId::midiOptions);
+    return std::any_of (settings.begin(), settings.end(),
+                        [=] (const auto& setting) { return setting.parameter == notes && setting.value == 0.0f; });
+}
+
+void tellSettings (const Options& options, const std::vector<Setting>& settings)
+{
+    juce::StringArray words;
+
+    for (const auto& setting : settings)
+        words.add (juce::String (parameterTable[static_cast<std::size_t> (setting.parameter)].id) + "="
+                   + juce::String (setting.value));
+
+    std::fprintf (stderr, "plug-in %s, settings: %s\n", findModule (options.module).getFullPathName().toRawUTF8(),
+                  words.isEmpty() ? "as it comes" : words.joinIntoString (" ").toRawUTF8());
+}
+
 void writeWhole (NewFile& file, const std::function<bool (juce::OutputStream&)>& write)
 {
     auto stream = file.open();
@@ -99,13 +118,20 @@ void renderFile (const Options& asked, Task task)
     checkTargets (options, task);
     const auto bits = sampleBits (task.output, options.bits);
     const auto in = openRecording (task.input);
-    const auto changes =
+    auto changes =
         options.automation == juce::File() ? std::vector<TimedSetting>() : readAutomation (options.automation);
-    const auto messages = options.midi == juce::File() ? std::vector<TimedMessage>() : readMidi (options.midi);
-    const auto settings = startingSettings (options);
+    auto messages = options.midi == juce::File() ? std::vector<TimedMessage>() : readMidi (options.midi);
+    auto settings = startingSettings (options);
+    applyRanges (changes, settings);
 
     HostedModule module (findModule (options.module));
     module.prepare (in->sampleRate, static_cast<int> (in->numChannels), options.blockSize, settings);
+
+    if (options.alignSound)
+        alignToSound (changes, messages, module.getLatency() / in->sampleRate, playsVoices (settings));
+
+    if (options.verbose)
+        tellSettings (options, settings);
 
     std::optional<ShiftTrace> trace;
     std::optional<NewFile> plot, state;
@@ -120,9 +146,12 @@ void renderFile (const Options& asked, Task task)
         writeState (state.emplace ("--save-state", options.savedState), module);
 
     RecordingOutput out (task.output, bits, *in);
+    Progress progress (! options.quiet && ! options.isWorker);
     const auto result = renderRecording (*in, module, { changes, messages, in->sampleRate }, options.blockSize, out,
                                          [&] (const Block& block)
                                          {
+                                             progress.show (block.start, in->lengthInSamples);
+
                                              if (trace)
                                                  trace->play (block);
                                          });
@@ -140,7 +169,8 @@ void renderFile (const Options& asked, Task task)
         if (*file)
             (*file)->commit();
 
-    printSummary (task, bits, out, in->sampleRate, module.getLatency(), result);
+    if (! options.quiet)
+        printSummary (task, bits, out, in->sampleRate, module.getLatency(), result);
 }
 
 void saveStateOnly (const Options& asked)
@@ -157,6 +187,8 @@ void saveStateOnly (const Options& asked)
     NewFile state ("--save-state", options.savedState);
     writeState (state, module);
     state.commit();
-    std::printf ("%s: written\n", options.savedState.getFullPathName().toRawUTF8());
+
+    if (! options.quiet)
+        std::printf ("%s: written\n", options.savedState.getFullPathName().toRawUTF8());
 }
 } // namespace tarvelline::render

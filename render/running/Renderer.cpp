@@ -26,7 +26,6 @@ RenderResult renderRecording (juce::AudioFormatReader& in, HostedModule& module,
 
     juce::AudioBuffer<float> buffer (static_cast<int> (in.numChannels), largestBlock);
     RenderResult result;
-    Progress progress;
 
     for (std::int64_t position = 0; position < end;)
     {
@@ -44,7 +43,6 @@ RenderResult renderRecording (juce::AudioFormatReader& in, HostedModule& module,
         result.peak = juce::jmax (result.peak, buffer.getMagnitude (skip, block.length - skip));
         observe (block);
         position += block.length;
-        progress.show (position, end);
     }
 
     result.seconds = (juce::Time::getMillisecondCounterHiRes() - began) / 1000.0;
