@@ -67,6 +67,11 @@ void checkUnits (const juce::String& place, const std::vector<TimedSetting>& cha
     }
 }
 
+bool comesBefore (const TimedSetting& a, const TimedSetting& b)
+{
+    return std::tie (a.seconds, a.setting.parameter) < std::tie (b.seconds, b.setting.parameter);
+}
+
 void checkLines (const juce::String& place, const std::vector<TimedSetting>& changes)
 {
     std::array<bool, parameterTable.size()> begun {};
@@ -84,14 +89,6 @@ void checkLines (const juce::String& place, const std::vector<TimedSetting>& cha
     }
 }
 } // namespace
-
-void sortEvents (std::vector<TimedSetting>& changes)
-{
-    std::stable_sort (changes.begin(), changes.end(),
-                      [] (const TimedSetting& a, const TimedSetting& b) {
-                          return std::tie (a.seconds, a.setting.parameter) < std::tie (b.seconds, b.setting.parameter);
-                      });
-}
 
 std::vector<TimedSetting> readAutomation (const juce::File& file)
 {
@@ -119,7 +116,7 @@ std::vector<TimedSetting> readAutomation (const juce::File& file)
         headerMayCome = false;
     }
 
-    sortEvents (changes);
+    std::stable_sort (changes.begin(), changes.end(), comesBefore);
     checkUnits (file.getFileName(), changes);
     checkLines (file.getFileName(), changes);
     return changes;

@@ -24,8 +24,7 @@ struct TimedMessage
     juce::MidiMessage message;
 };
 
-/** In order of time; at one time in the order of parameterTable, and what ends notes first. */
-void sortEvents (std::vector<TimedSetting>&);
+/** In order of time, and at one time what ends notes first. */
 void sortEvents (std::vector<TimedMessage>&);
 
 /** The changes in a text of lines "seconds,parameterId,value" or "seconds,parameterId,value,line", in order of time, and at
@@ -43,8 +42,9 @@ std::vector<TimedMessage> readMidi (const juce::File&);
     @param settings  what playing begins with, a value at most for each parameter, in the order of parameterTable */
 void applyRanges (std::vector<TimedSetting>&, std::vector<Setting>& settings);
 
-/** Delays what is automated and played, so that it sounds at its time in the output, out of which the latency is taken.
-    Changes at 0 s stand from the first sample on as well, and a voice ends in time for its key's next note.
-    @param voices  notes are voices, which begin one latency late by themselves; else they transpose */
+/** Delays what is automated and played by the latency, so that it acts on the output from its time there on. Voices begin
+    one latency late by themselves, and end early enough for their key's next note. What comes at 0 s comes there too.
+    @param changes, messages  in order
+    @param voices             notes are voices; else they transpose */
 void alignToSound (std::vector<TimedSetting>&, std::vector<TimedMessage>&, double latencySeconds, bool voices);
 } // namespace tarvelline::render

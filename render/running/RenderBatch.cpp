@@ -25,20 +25,26 @@ juce::String describe (int exitCode)
     }
 }
 
+// With --keep-folders several may have one name.
+juce::String labelOf (const Options& options, const Task& task)
+{
+    return options.keepFolders ? task.input.getFullPathName() : task.input.getFileName();
+}
+
 // A line for each file, with what its run printed.
 void printTable (const Options& options, const std::vector<Outcome>& outcomes)
 {
     int widest = 0;
 
     for (const auto& task : options.tasks)
-        widest = std::max (widest, task.input.getFileName().length());
+        widest = std::max (widest, labelOf (options, task).length());
 
     for (std::size_t i = 0; i < outcomes.size(); ++i)
     {
         const bool written = outcomes[i].exitCode == exitDone;
         auto lines = juce::StringArray::fromLines (juce::String::fromUTF8 (outcomes[i].text.c_str()));
         lines.removeEmptyStrings();
-        const auto line = options.tasks[i].input.getFileName().paddedRight (' ', widest) + "  "
+        const auto line = labelOf (options, options.tasks[i]).paddedRight (' ', widest) + "  "
                           + describe (outcomes[i].exitCode).paddedRight (' ', 7) + "  "
                           + lines.joinIntoString ("\n    ");
 
