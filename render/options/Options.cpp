@@ -149,6 +149,12 @@ void addTasks (Options& options, const juce::StringArray& files)
 {
     const bool intoFolder = options.outputFolder != juce::File();
 
+    if (intoFolder && files.size() > 1)
+        for (const auto& [name, file] :
+             { std::pair { "--plot", options.plot }, { "--save-state", options.savedState } })
+            if (file != juce::File())
+                throw UserError (juce::String (name) + " is for one IN: leave it out with several");
+
     if (files.isEmpty() && options.savedState != juce::File())
         options.action = Options::Action::saveState;
     else if (intoFolder ? files.isEmpty() : files.size() != 2)
@@ -172,12 +178,6 @@ void checkCombinations (const Options& options)
 
     if (options.keepFolders && options.outputFolder == juce::File())
         throw UserError ("--keep-folders is about files below --out-dir DIR: give that as well, or leave it out");
-
-    if (options.tasks.size() > 1)
-        for (const auto& [name, file] :
-             { std::pair { "--plot", options.plot }, { "--save-state", options.savedState } })
-            if (file != juce::File())
-                throw UserError (juce::String (name) + " is for one IN: leave it out with several");
 
     if (options.outputFolder != juce::File() && ! options.tasks.empty())
         sampleBits (options.tasks.front().output, options.bits); // throws when they do not fit the format

@@ -17,7 +17,7 @@ namespace tarvelline::render
 {
 Process::Process (const juce::StringArray& arguments)
 {
-    const auto program = juce::File::getSpecialLocation (juce::File::currentExecutableFile).getFullPathName();
+    const auto program = juce::File::getSpecialLocation (juce::File::hostApplicationPath).getFullPathName();
     std::vector<char*> words { const_cast<char*> (program.toRawUTF8()) }; // posix_spawn() does not write to them
 
     for (const auto& argument : arguments)
