@@ -217,9 +217,9 @@ TEST_F (CommandLineTest, DisplayIsLeftAlone)
     const auto deaf = socket (AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un address {};
     address.sun_family = AF_UNIX;
-    const auto display = ":" + std::to_string (100000 + getpid());
-    const auto length =
-        ("/tmp/.X11-unix/X" + display.substr (1)).copy (address.sun_path + 1, 100); // no file, but a name
+    const juce::String display (100000 + static_cast<int> (getpid()));
+    const auto name = ("/tmp/.X11-unix/X" + display).toStdString();
+    const auto length = name.copy (address.sun_path + 1, sizeof (address.sun_path) - 1); // no file, a name alone
     ASSERT_EQ (bind (deaf, reinterpret_cast<sockaddr*> (&address),
                      static_cast<socklen_t> (offsetof (sockaddr_un, sun_path) + 1 + length)),
                0);
