@@ -15,7 +15,7 @@ constexpr auto form = "seconds,parameterId,value";
 constexpr auto lineMark = "line";
 constexpr int longestQuote = 80; // characters of a line that a message repeats
 
-TimedSetting parseLine (const juce::String& place, const juce::String& line)
+TimedSetting parseFields (const juce::String& line)
 {
     auto fields = juce::StringArray::fromTokens (line, ",", "");
     fields.trim();
@@ -23,15 +23,48 @@ TimedSetting parseLine (const juce::String& place, const juce::String& line)
     const bool onLine = fields.size() == 4 && fields[3] == lineMark;
 
     if (fields.size() != 3 && ! onLine)
-        throw UserError (place + ": \"" + line.substring (0, longestQuote) + "\" is not of the form " + form + " or "
-                         + form + "," + lineMark);
+        throw UserError ("\"" + line.substring (0, longestQuote) + "\" is not of the form " + form + " or " + form + ","
+                         + lineMark);
 
     const auto seconds = parseNumber (fields[0]);
 
     if (! seconds || *seconds < 0.0)
-        throw UserError (place + ": \"" + fields[0] + "\" is no time; give seconds from the start, 0 or more");
+        throw UserError ("\"" + fields[0] + "\" is no time; give seconds from the start, 0 or more");
 
-    return { *seconds, parseSetting (place, fields[1], fields[2]), onLine };
+    for (const auto& wheel : wheels())
+        if (fields[1] == wheel.name)
+            return { *seconds, { wheel.position, static_cast<float> (parseSemitones (fields[2])) }, onLine, true };
+
+    return { *seconds, parseSetting (fields[1], fields[2]), onLine };
+}
+
+TimedSetting parseLine (const juce::String& place, const juce::String& line)
+{
+    try
+    {
+        return parseFields (line);
+    }
+    catch (const UserError& error)
+    {
+        throw UserError (place + ": " + error.what());
+    }
+}
+
+// A table that moves a wheel in semitones says nothing else of it, which would depend on the range.
+void checkUnits (const juce::String& place, const std::vector<TimedSetting>& changes)
+{
+    for (const auto& wheel : wheels())
+    {
+        const auto isOf = [&] (const TimedSetting& c) { return c.setting.parameter == wheel.position; };
+        const auto byShift = [&] (const TimedSetting& c) { return isOf (c) && c.inSemitones; };
+        const auto byValue = [&] (const TimedSetting& c)
+        { return (isOf (c) && ! c.inSemitones) || c.setting.parameter == wheel.range; };
+
+        if (std::any_of (changes.begin(), changes.end(), byShift)
+            && std::any_of (changes.begin(), changes.end(), byValue))
+            throw UserError (place + ": \"" + wheel.name
+                             + "\" is given in semitones: leave out its wheel's and its range's values");
+    }
 }
 
 bool comesBefore (const TimedSetting& a, const TimedSetting& b)
@@ -85,6 +118,7 @@ std::vector<TimedSetting> readAutomation (const juce::File& file)
     }
 
     std::stable_sort (changes.begin(), changes.end(), comesBefore);
+    checkUnits (file.getFileName(), changes);
     checkLines (file.getFileName(), changes);
     return changes;
 }

@@ -18,11 +18,16 @@ double frameRateFactor (int timeFormat)
     return timeFormat >> 8 == dropFrame ? 29.0 * 1001.0 / 30000.0 : 1.0;
 }
 
-bool comesBefore (const TimedMessage& a, const TimedMessage& b)
-{
-    return std::make_tuple (a.seconds, a.message.isNoteOn()) < std::make_tuple (b.seconds, b.message.isNoteOn());
-}
 } // namespace
+
+void sortEvents (std::vector<TimedMessage>& messages)
+{
+    std::stable_sort (messages.begin(), messages.end(),
+                      [] (const TimedMessage& a, const TimedMessage& b) {
+                          return std::make_tuple (a.seconds, a.message.isNoteOn())
+                                 < std::make_tuple (b.seconds, b.message.isNoteOn());
+                      });
+}
 
 std::vector<TimedMessage> readMidi (const juce::File& file)
 {
@@ -53,7 +58,7 @@ std::vector<TimedMessage> readMidi (const juce::File& file)
             if (isPlayed (event->message))
                 messages.push_back ({ event->message.getTimeStamp() * factor, event->message });
 
-    std::stable_sort (messages.begin(), messages.end(), comesBefore);
+    sortEvents (messages);
     return messages;
 }
 } // namespace tarvelline::render

@@ -7,6 +7,14 @@
 
 namespace tarvelline::render
 {
+enum ExitCode
+{
+    exitDone = 0,
+    exitSomeFailed = 1,
+    exitFailed = 2,
+    exitStopped = 130 // 128 + SIGINT, as a shell reports it
+};
+
 /** What the user can put right: the message names the thing at fault and what is accepted. Ends the program with code 2. */
 class UserError : public std::runtime_error
 {

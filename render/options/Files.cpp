@@ -3,9 +3,11 @@
 
 #include "render/options/Errors.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <map>
+#include <set>
 
 namespace tarvelline::render
 {
@@ -60,42 +62,82 @@ juce::String shellFriendly (const juce::String& name)
     kept = kept.trimCharactersAtStart (".-").trimCharactersAtEnd ("-");
     return kept.isEmpty() ? "recording" : kept;
 }
+// Of an input, without its ending: from here, or from the root where it is not below.
+juce::String pathBelow (const juce::File& input)
+{
+    const auto here = juce::File::getCurrentWorkingDirectory();
+    const auto path = input.withFileExtension ({});
+    return input.isAChildOf (here) ? path.getRelativePathFrom (here) : pathOf (path).relative_path().string();
+}
+
+// A batch must not replace what it has yet to read: compared by paths without links, and file by file where one has
+// several names.
+void checkNoneIsRead (const std::vector<Task>& tasks)
+{
+    constexpr auto noLinks = static_cast<std::uintmax_t> (-1); // of a file that is not there yet
+    std::error_code ignored;
+    std::set<std::filesystem::path> sources;
+
+    for (const auto& task : tasks)
+        sources.insert (std::filesystem::weakly_canonical (pathOf (task.input), ignored));
+
+    for (const auto& task : tasks)
+    {
+        const auto target = pathOf (task.output);
+        const auto links = std::filesystem::hard_link_count (target, ignored);
+
+        if (sources.count (std::filesystem::weakly_canonical (target, ignored)) != 0
+            || (links > 1 && links != noLinks
+                && std::any_of (tasks.begin(), tasks.end(),
+                                [&] (const auto& t) { return isSame (t.input, task.output); })))
+            throw UserError ("OUT: " + task.output.getFullPathName() + " is also read; name another folder");
+    }
+}
 } // namespace
 
 juce::File fileNamed (const juce::String& path) { return juce::File::getCurrentWorkingDirectory().getChildFile (path); }
 
 juce::File soundFileNamed (const juce::String& path) { return path == "-" ? juce::File() : fileNamed (path); }
 
-std::vector<Task> tasksInto (const juce::File& folder, const juce::StringArray& recordings, const juce::String& ending)
+std::vector<Task> tasksInto (const juce::File& folder, const juce::StringArray& recordings, const juce::String& ending,
+                             bool keepFolders)
 {
     std::vector<Task> tasks;
     std::map<juce::String, juce::String> sources;
 
     for (const auto& recording : recordings)
     {
-        const auto input = soundFileNamed (recording);
-        const auto name = shellFriendly (input.getFileNameWithoutExtension()) + "." + ending;
+        if (recording == "-")
+            throw UserError ("-: the standard input goes with one OUT; leave out --out-dir");
+
+        const auto input = fileNamed (recording);
+        const auto name =
+            (keepFolders ? pathBelow (input) : shellFriendly (input.getFileNameWithoutExtension())) + "." + ending;
 
         if (const auto [before, isNew] = sources.emplace (name, recording); ! isNew)
-            throw UserError (before->second + " and " + recording + " would both become " + name
-                             + "; render them into two folders");
+            throw UserError (before->second + " and " + recording + " would both become " + name + "; "
+                             + (keepFolders ? "render them into two folders"
+                                            : "give --keep-folders, or render them into two folders"));
 
         tasks.push_back ({ input, folder.getChildFile (name) });
     }
 
+    checkNoneIsRead (tasks);
     return tasks;
+}
+
+void makeFolderFor (const Task& task)
+{
+    std::error_code ignored; // another process may make the folder at the same moment
+    const auto folder = task.output.getParentDirectory();
+    std::filesystem::create_directories (pathOf (folder), ignored);
+
+    if (! folder.isDirectory())
+        throw UserError ("--out-dir: cannot make the folder " + folder.getFullPathName());
 }
 
 void checkTargets (Options& options, Task& task)
 {
-    std::error_code ignored; // another process may make the folder at the same moment
-
-    if (options.outputFolder != juce::File())
-        std::filesystem::create_directories (pathOf (options.outputFolder), ignored);
-
-    if (options.outputFolder != juce::File() && ! options.outputFolder.isDirectory())
-        throw UserError ("--out-dir: cannot make the folder " + options.outputFolder.getFullPathName());
-
     const std::array<std::pair<const char*, juce::File*>, 3> targets {
         { { "OUT", &task.output }, { "--plot", &options.plot }, { "--save-state", &options.savedState } }
     };

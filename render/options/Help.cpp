@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "processor/Parameters.h"
-#include "render/options/Options.h"
+#include "render/options/OptionTable.h"
 
-#include <array>
+#include <iterator>
 
 namespace tarvelline::render
 {
@@ -18,35 +18,14 @@ IN is a WAV, AIFF or FLAC file, mono or stereo, at any sample rate. OUT becomes 
 .aif, .aiff or .flac), of the same rate and channels. The two line up to the sample: the latency is taken out. OUT is one
 latency longer than IN, for what rings on.
 
-Sound:
-  --set ID=VALUE      a parameter's setting from the first sample on; VALUE is normalised, 0 to 1; may be repeated
-  --semitones S       a steady shift, -24 to +24: chooses the narrowest pitch range that reaches it, and the wheel
-  --preset NAME       begins with a preset of the plug-in; --set and --semitones change it
-  --preset-list       lists the presets that are installed
-  --state FILE        begins with a state of the plug-in, saved by --save-state or as a preset by a host (.vstpreset)
-  --midi FILE         plays the notes and pitch-bends of a standard MIDI file (all tracks and channels, its tempo map)
-  --automate FILE     moves parameters: lines of "seconds,parameterId,value", value 0 to 1; # begins a comment.
-                      "seconds,parameterId,value,line" is reached in a straight line from the parameter's value before
+)";
 
-Files:
-  --out-dir DIR       renders any number of IN into a folder, under their names; characters that shells read become -
-  --jobs N            files at once, each in a process with a plug-in of its own; 1 unless given
-  --format KIND       wav, aiff or flac files in the folder; wav unless given
-  --bits 16|24|32     bits of a sample: 16 with dither, 24, or 32-bit float, which cannot clip and only WAV has; the most
-                      that the kind has unless given
-  --plot FILE.png     draws spectrograms of IN and OUT, with the shift that sounds
-  --save-state FILE   writes the state that playing begins with, as a .vstpreset; without IN it plays nothing
-
-Other:
-  --module PATH       the plug-in to load, Tarvelline.vst3; else the one built or installed with this program, then
-                      those in ~/.vst3, /usr/local/lib/vst3 and /usr/lib/vst3
-  --block N           samples the plug-in gets at once, 512 unless given; events split blocks and come at their sample
-  --help, --version
-
+constexpr auto examples = R"(
 Examples:
   tarvelline-render in.wav out.wav --semitones -5
   tarvelline-render in.wav out.flac --preset "Tape Stop" --automate moves.csv --plot moves.png
   tarvelline-render in.wav choir.wav --midi chord.mid --set midiOptions=0
+  tarvelline-render voice.wav higher.wav --semitones 4 --keep-formants
   tarvelline-render takes/*.wav --out-dir shifted --jobs 4 --semitones 7 --bits 24
   tarvelline-render --save-state mine.vstpreset --semitones 3 --set mixerPar=0.5
 
@@ -60,7 +39,11 @@ within 28 beyond. Gravity, inertia, smoothing and midiOptions take effect when p
 --automate changes nothing about them. With midiOptions at 1 a note transposes by its distance from middle C (60), and the
 transposition outlasts the note; at 0 every held note is a voice, up to eight, and without notes only the dry share of the
 mixer sounds. A wheel's move acts on what leaves the plug-in and so sounds up to one latency before its time in OUT, as in
-any host; voices begin in time. Of notes at the same time each comes one sample after the one before.
+any host, unless --align sound is given; voices begin in time. Of notes at the same time each comes one sample after the one
+before. --semitones, --formant and tables of semitones choose the range; they do not go with a --set or a line of it.
+
+An option's value follows it or stands behind =, its name may be cut short while it is the only one so begun, and what comes
+after -- is the name of a file.
 
 Files are written beside their place and moved there once they are whole. Ends with 0 when all is done; with 1 when of
 several files some failed, which a table at the end names; with 2 after an error, and then leaves OUT as it was; with 130
@@ -68,7 +51,7 @@ when interrupted.
 )";
 
 // In the order of parameterTable.
-constexpr std::array<const char*, 15> meanings {
+constexpr const char* meanings[] = {
     "range of the pitch wheel",
     "range of the timbre wheel",
     "pitch wheel, 0.5 is the centre",
@@ -85,11 +68,46 @@ constexpr std::array<const char*, 15> meanings {
     "the timbre wheel is in use unless 0",
     "notes: 0 plays voices, anything else transposes",
 };
+
+static_assert (std::size (meanings) == parameterTable.size());
+
+juce::String describe (const OptionRow& row)
+{
+    constexpr int width = 18; // letters of the first column
+    juce::String name ("--" + juce::String (row.name));
+    juce::String text;
+
+    if (row.letter != 0)
+        name = "-" + juce::String::charToString (static_cast<juce::juce_wchar> (row.letter)) + ", " + name;
+
+    if (row.argument != nullptr)
+        name << " " << row.argument;
+
+    for (const auto& line : juce::StringArray::fromLines (row.help))
+    {
+        text << "  " << name.paddedRight (' ', width) << "  " << line << "\n";
+        name.clear();
+    }
+
+    return text;
+}
 } // namespace
 
 juce::String helpText()
 {
+    constexpr const char* headings[] = { "Sound", "Files", "Other" };
     juce::String text (usage);
+
+    for (std::size_t group = 0; group < std::size (headings); ++group)
+    {
+        text << (group > 0 ? "\n" : "") << headings[group] << ":\n";
+
+        for (const auto& row : optionTable())
+            if (row.group == static_cast<OptionRow::Group> (group))
+                text << describe (row);
+    }
+
+    text << examples;
 
     for (std::size_t i = 0; i < parameterTable.size(); ++i)
     {

@@ -4,131 +4,144 @@
 #include "processor/Parameters.h"
 #include "render/options/Errors.h"
 #include "render/options/Files.h"
+#include "render/options/OptionTable.h"
 #include "render/sound/FileKinds.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
+#include <getopt.h>
+#include <string>
 
 namespace tarvelline::render
 {
 namespace
 {
-constexpr int largestBlock = 65536; // samples; more than any host uses
-constexpr int mostJobs = 256;       // more than any machine gains by
+constexpr auto seeHelp = "; tarvelline-render --help shows how";
+constexpr int firstLongOption = 256; // beyond every letter; what getopt_long() gives for the first row
 
-void addSetting (Options& options, const juce::String& text)
+struct OptionTableForGetopt
 {
-    if (! text.containsChar ('='))
-        throw UserError ("--set " + text + ": give parameterId=value, as in --set mixerPar=0.5");
+    OptionTableForGetopt()
+    {
+        for (const auto& row : optionTable())
+        {
+            const auto value = firstLongOption + static_cast<int> (names.size());
+            names.push_back ({ row.name, row.argument != nullptr ? required_argument : no_argument, nullptr, value });
 
-    options.settings.push_back (parseSetting ("--set " + text, text.upToFirstOccurrenceOf ("=", false, false).trim(),
-                                              text.fromFirstOccurrenceOf ("=", false, false).trim()));
-}
+            if (row.letter != 0)
+                letters += row.letter;
+        }
 
-void setSemitones (Options& options, const juce::String& text)
-{
-    options.semitones = parseNumber (text);
+        names.push_back ({});
+    }
 
-    if (! options.semitones || std::abs (*options.semitones) > wheelRangeTable.back() / 2.0)
-        throw UserError ("--semitones " + text + ": give a number from -24 to +24");
-}
-
-int wholeNumber (const juce::String& option, const juce::String& text, int most)
-{
-    const auto number = parseNumber (text);
-
-    if (! number || *number < 1.0 || *number > most || *number != std::floor (*number))
-        throw UserError (option + " " + text + ": give a whole number from 1 to " + juce::String (most));
-
-    return static_cast<int> (*number);
-}
-
-void setBits (Options& options, const juce::String& text)
-{
-    if (text != "16" && text != "24" && text != "32")
-        throw UserError ("--bits " + text + ": give 16 or 24 (integer) or 32 (float)");
-
-    options.bits = text.getIntValue();
-}
-
-void setFormat (Options& options, const juce::String& text) { options.format = fileKind ({}, text).name; }
-
-void setChannels (Options& options, const juce::String& text)
-{
-    if (text != "pairs" && text != "single")
-        throw UserError ("--channels " + text + ": give pairs or single");
-
-    options.channels = text == "pairs" ? ChannelRule::pairs : ChannelRule::single;
-}
-
-struct Row
-{
-    const char* name;
-    void (*take) (Options&, const juce::String& value);
+    std::vector<option> names;
+    std::string letters = "-:"; // files are handed on in their order, errors told by us
 };
 
-const std::array<Row, 15> rows { {
-    { "--set", addSetting },
-    { "--semitones", setSemitones },
-    { "--midi", [] (Options& o, const juce::String& text) { o.midi = fileNamed (text); } },
-    { "--automate", [] (Options& o, const juce::String& text) { o.automation = fileNamed (text); } },
-    { "--block",
-      [] (Options& o, const juce::String& text) { o.blockSize = wholeNumber ("--block", text, largestBlock); } },
-    { "--module", [] (Options& o, const juce::String& text) { o.module = fileNamed (text); } },
-    { "--plot", [] (Options& o, const juce::String& text) { o.plot = fileNamed (text); } },
-    { "--bits", setBits },
-    { "--jobs", [] (Options& o, const juce::String& text) { o.jobs = wholeNumber ("--jobs", text, mostJobs); } },
-    { "--format", setFormat },
-    { "--channels", setChannels },
-    { "--out-dir", [] (Options& o, const juce::String& text) { o.outputFolder = fileNamed (text); } },
-    { "--state", [] (Options& o, const juce::String& text) { o.state = fileNamed (text); } },
-    { "--save-state", [] (Options& o, const juce::String& text) { o.savedState = fileNamed (text); } },
-    { "--preset", [] (Options& o, const juce::String& text) { o.preset = text; } },
-} };
+bool isLetterOf (const OptionRow& row, int letter) { return letter != 0 && row.letter == letter; }
 
-// "--name value" or "--name=value"; moves `next` past what it used.
-void takeOption (Options& options, const juce::StringArray& arguments, int& next)
+void takeOption (Options& options, const OptionRow& row, const juce::String& value)
 {
-    const auto& argument = arguments[next++];
-    const auto name = argument.upToFirstOccurrenceOf ("=", false, false);
-    const auto row = std::find_if (rows.begin(), rows.end(), [&] (const Row& r) { return name == r.name; });
+    const auto asked = "--" + juce::String (row.name);
 
-    if (row == rows.end())
-        throw UserError ("unknown option " + argument + "; tarvelline-render --help lists what there is");
+    if (row.argument != nullptr && value.isEmpty())
+        throw UserError (asked + " needs a value, " + row.argument + seeHelp);
 
-    const auto inside = argument.fromFirstOccurrenceOf ("=", false, false);
-    const auto value = argument.containsChar ('=') ? inside : arguments[next++];
+    try
+    {
+        row.take (options, value);
+    }
+    catch (const UserError& error)
+    {
+        throw UserError (asked + " " + value + ": " + error.what());
+    }
 
-    if (value.isEmpty())
-        throw UserError (name + " needs a value; see tarvelline-render --help");
-
-    row->take (options, value);
+    if (row.reach == OptionRow::Reach::everyRun)
+        options.forWorkers.add (row.argument != nullptr ? asked + "=" + value : asked);
 }
 
-// The smallest span that reaches the shift gives the wheel its finest step.
-void addShift (std::vector<Setting>& settings, double semitones)
+[[noreturn]] void refuse (const juce::String& word)
 {
-    const auto range = parameterIndex (parameterId::mainRange), wheel = parameterIndex (parameterId::mainWheelPar);
+    juce::StringArray meant;
+    const auto begun = word.upToFirstOccurrenceOf ("=", false, false);
 
+    for (const auto& row : optionTable())
+        if (begun.length() > 2 && ("--" + juce::String (row.name)).startsWith (begun))
+            meant.add ("--" + juce::String (row.name));
+
+    if (meant.size() > 1)
+        throw UserError (word + " may be " + meant.joinIntoString (" or ") + "; give more of its letters");
+
+    if (meant.size() == 1)
+        throw UserError (meant[0] + " takes no value; leave out " + word.fromFirstOccurrenceOf ("=", true, false));
+
+    throw UserError ("unknown option " + word + "; tarvelline-render --help lists what there is, and a file whose name "
+                     + "begins with a dash comes after --");
+}
+
+// What getopt_long() finds, in order; gives the names of files.
+juce::StringArray takeAll (Options& options, const juce::StringArray& arguments)
+{
+    std::vector<std::string> words { "tarvelline-render" };
+    std::vector<char*> pointers;
+    const OptionTableForGetopt table;
+    juce::StringArray files;
+
+    for (const auto& argument : arguments)
+        words.push_back (argument.toStdString());
+
+    for (auto& word : words)
+        pointers.push_back (word.data());
+
+    pointers.push_back (nullptr);
+    const auto count = static_cast<int> (words.size());
+
+    for (int found;
+         (found = getopt_long (count, pointers.data(), table.letters.c_str(), table.names.data(), nullptr)) != -1;)
+    {
+        const auto& rows = optionTable();
+        const auto word = juce::String::fromUTF8 (pointers[static_cast<std::size_t> (optind - 1)]);
+        const auto value = optarg != nullptr ? juce::String::fromUTF8 (optarg) : juce::String();
+        const auto row = std::find_if (rows.begin(), rows.end(), [&] (const auto& r) { return isLetterOf (r, found); });
+
+        if (found == 1)
+            files.add (value);
+        else if (found == ':')
+            takeOption (options, rows[static_cast<std::size_t> (optopt - firstLongOption)], {});
+        else if (found == '?')
+            refuse (word.startsWith ("--") ? word
+                                           : "-" + juce::String::charToString (static_cast<juce::juce_wchar> (optopt)));
+        else
+            takeOption (options, row != rows.end() ? *row : rows[static_cast<std::size_t> (found - firstLongOption)],
+                        value);
+    }
+
+    files.addArray (arguments, optind - 1);
+    return files;
+}
+
+void addShift (std::vector<Setting>& settings, const Wheel& wheel, double semitones)
+{
     for (const auto& setting : settings)
-        if (setting.parameter == range || setting.parameter == wheel)
-            throw UserError ("--semitones sets mainWheelPar and mainRange: leave out --set for these");
+        if (setting.parameter == wheel.range || setting.parameter == wheel.position)
+            throw UserError (
+                juce::String (wheel.option) + " sets " + parameterTable[static_cast<std::size_t> (wheel.position)].id
+                + " and " + parameterTable[static_cast<std::size_t> (wheel.range)].id + ": leave out --set for these");
 
-    const auto span = std::find_if (wheelRangeTable.begin(), wheelRangeTable.end(),
-                                    [&] (double s) { return s / 2.0 >= std::abs (semitones); });
-    const auto selector = static_cast<float> (span - wheelRangeTable.begin());
-
-    settings.push_back ({ range, selector / parameterTable[static_cast<std::size_t> (range)].rangeEnd });
-    settings.push_back ({ wheel, static_cast<float> (0.5 + semitones / *span) });
+    settings.push_back ({ wheel.range, rangeFor (semitones) });
+    settings.push_back ({ wheel.position, positionFor (semitones, rangeFor (semitones)) });
 }
 
-Options::Action actionFor (const juce::StringArray& arguments)
+void addShifts (Options& options)
 {
-    return arguments.contains ("--help") || arguments.contains ("-h") ? Options::Action::showHelp
-           : arguments.contains ("--version")                         ? Options::Action::showVersion
-           : arguments.contains ("--preset-list")                     ? Options::Action::listPresets
-                                                                      : Options::Action::render;
+    if (options.semitones)
+        addShift (options.settings, wheels().front(), *options.semitones);
+
+    if (options.formant)
+    {
+        addShift (options.settings, wheels().back(), *options.formant);
+        options.settings.push_back ({ parameterIndex (parameterId::toggleSize), 1.0f });
+    }
 }
 
 // IN OUT, or any number of IN for a folder.
@@ -136,16 +149,23 @@ void addTasks (Options& options, const juce::StringArray& files)
 {
     const bool intoFolder = options.outputFolder != juce::File();
 
+    if (intoFolder && files.size() > 1)
+        for (const auto& [name, file] :
+             { std::pair { "--plot", options.plot }, { "--save-state", options.savedState } })
+            if (file != juce::File())
+                throw UserError (juce::String (name) + " is for one IN: leave it out with several");
+
     if (files.isEmpty() && options.savedState != juce::File())
         options.action = Options::Action::saveState;
     else if (intoFolder ? files.isEmpty() : files.size() != 2)
         throw UserError ((intoFolder         ? "name at least one file, IN"
                           : files.size() < 2 ? "name two files, IN and OUT"
                                              : "more than two files: " + files[2] + " is too many without --out-dir")
-                         + juce::String ("; tarvelline-render --help shows how"));
+                         + juce::String (seeHelp));
     else if (intoFolder)
         options.tasks =
-            tasksInto (options.outputFolder, files, options.format.isEmpty() ? juce::String ("wav") : options.format);
+            tasksInto (options.outputFolder, files, options.format.isEmpty() ? juce::String ("wav") : options.format,
+                       options.keepFolders);
     else
         options.tasks = { { soundFileNamed (files[0]), soundFileNamed (files[1]) } };
 }
@@ -155,11 +175,11 @@ void checkCombinations (const Options& options)
     if (options.state != juce::File() && options.preset.isNotEmpty())
         throw UserError ("--state and --preset: give one of the two");
 
-    if (options.tasks.size() > 1)
-        for (const auto& [name, file] :
-             { std::pair { "--plot", options.plot }, { "--save-state", options.savedState } })
-            if (file != juce::File())
-                throw UserError (juce::String (name) + " is for one IN: leave it out with several");
+    if (options.quiet && options.verbose)
+        throw UserError ("--quiet and --verbose: give one of the two");
+
+    if (options.keepFolders && options.outputFolder == juce::File())
+        throw UserError ("--keep-folders is about files below --out-dir DIR: give that as well, or leave it out");
 
     if (! options.tasks.empty()) // throws when they do not fit together
         sampleBits (fileKind (options.tasks.front().output, options.format), options.bits);
@@ -169,23 +189,8 @@ void checkCombinations (const Options& options)
 Options parseOptions (const juce::StringArray& arguments)
 {
     Options options;
-    options.action = actionFor (arguments);
-
-    if (options.action == Options::Action::showHelp || options.action == Options::Action::showVersion)
-        return options;
-
-    juce::StringArray files;
-
-    for (int next = 0; next < arguments.size();)
-        if (arguments[next] == "--preset-list")
-            ++next;
-        else if (arguments[next].startsWithChar ('-') && arguments[next] != "-")
-            takeOption (options, arguments, next);
-        else
-            files.add (arguments[next++]);
-
-    if (options.semitones)
-        addShift (options.settings, *options.semitones);
+    const auto files = takeAll (options, arguments);
+    addShifts (options);
 
     if (options.action == Options::Action::render)
         addTasks (options, files);

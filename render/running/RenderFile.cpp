@@ -45,6 +45,25 @@ std::vector<Setting> startingSettings (const Options& options)
     return settings;
 }
 
+bool playsVoices (const std::vector<Setting>& settings)
+{
+    const auto notes = parameterIndex (parameterId::midiOptions);
+    return std::any_of (settings.begin(), settings.end(),
+                        [=] (const auto& setting) { return setting.parameter == notes && setting.value == 0.0f; });
+}
+
+void tellSettings (const Options& options, const std::vector<Setting>& settings)
+{
+    juce::StringArray words;
+
+    for (const auto& setting : settings)
+        words.add (juce::String (parameterTable[static_cast<std::size_t> (setting.parameter)].id) + "="
+                   + juce::String (setting.value));
+
+    std::fprintf (stderr, "plug-in %s, settings: %s\n", findModule (options.module).getFullPathName().toRawUTF8(),
+                  words.isEmpty() ? "as it comes" : words.joinIntoString (" ").toRawUTF8());
+}
+
 void writeWhole (NewFile& file, const std::function<bool (juce::OutputStream&)>& write)
 {
     auto stream = file.open();
@@ -132,14 +151,21 @@ void renderFile (const Options& asked, Task task)
         readPipe (piped.emplace ("IN", fileForPipe()));
 
     Recording in (piped ? piped->getTemporaryFile() : task.input, pathOr ("the standard input", task.input));
-    const auto changes =
+    auto changes =
         options.automation == juce::File() ? std::vector<TimedSetting>() : readAutomation (options.automation);
-    const auto messages = options.midi == juce::File() ? std::vector<TimedMessage>() : readMidi (options.midi);
-    const auto settings = startingSettings (options);
+    auto messages = options.midi == juce::File() ? std::vector<TimedMessage>() : readMidi (options.midi);
+    auto settings = startingSettings (options);
+    applyRanges (changes, settings);
 
     ModuleBank modules (findModule (options.module), static_cast<int> (in.numChannels), in.getChannelMap(),
                         options.channels);
     modules.prepare (in.sampleRate, options.blockSize, settings);
+
+    if (options.alignSound)
+        alignToSound (changes, messages, modules.getLatency() / in.sampleRate, playsVoices (settings));
+
+    if (options.verbose)
+        tellSettings (options, settings);
 
     std::optional<ShiftTrace> trace;
 
@@ -153,9 +179,12 @@ void renderFile (const Options& asked, Task task)
         writeState (state.emplace ("--save-state", options.savedState), modules);
 
     RecordingOutput out (task.output, kind, bits, in);
+    Progress progress (! options.quiet && ! options.isWorker);
     const auto result = renderRecording (in, modules, { changes, messages, in.sampleRate }, options.blockSize, out,
                                          [&] (const Block& block)
                                          {
+                                             progress.show (block.start, in.lengthInSamples);
+
                                              if (trace)
                                                  trace->play (block);
                                          });
@@ -173,7 +202,8 @@ void renderFile (const Options& asked, Task task)
         if (*file)
             (*file)->commit();
 
-    printSummary (task, bits, out, in.sampleRate, modules.getLatency(), result);
+    if (! options.quiet)
+        printSummary (task, bits, out, in.sampleRate, modules.getLatency(), result);
 }
 
 void saveStateOnly (const Options& asked)
@@ -190,6 +220,8 @@ void saveStateOnly (const Options& asked)
     NewFile state ("--save-state", options.savedState);
     writeState (state, module);
     state.commit();
-    std::printf ("%s: written\n", options.savedState.getFullPathName().toRawUTF8());
+
+    if (! options.quiet)
+        std::printf ("%s: written\n", options.savedState.getFullPathName().toRawUTF8());
 }
 } // namespace tarvelline::render

@@ -16,7 +16,6 @@ RenderResult renderRecording (Recording& in, ModuleBank& modules, Timeline timel
 
     juce::AudioBuffer<float> buffer (static_cast<int> (in.numChannels), largestBlock);
     RenderResult result;
-    Progress progress;
 
     for (std::int64_t position = 0; position < end;)
     {
@@ -34,7 +33,6 @@ RenderResult renderRecording (Recording& in, ModuleBank& modules, Timeline timel
         result.peak = juce::jmax (result.peak, buffer.getMagnitude (skip, block.length - skip));
         observe (block);
         position += block.length;
-        progress.show (position, end);
     }
 
     result.seconds = (juce::Time::getMillisecondCounterHiRes() - began) / 1000.0;

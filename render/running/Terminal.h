@@ -5,26 +5,28 @@
 
 namespace tarvelline::render
 {
-/** From now on Ctrl-C and a polite kill are only noted, for interrupted() to tell; a second one ends the program at once. */
-void noteInterrupts();
+/** From now on Ctrl-C, SIGTERM and SIGHUP are noted, for interrupted() to tell, and end a system call that waits. The
+    program has some seconds then to clear up, and is ended after them. A second Ctrl-C ends it at once.
+    @param isWorker  a second one does not: whoever started this process passes on what it is told */
+void noteInterrupts (bool isWorker);
 bool interrupted() noexcept;
 
-/** For a process that another one stops: no second request ends it before it has cleared up. */
-void ignoreFurtherInterrupts();
+/** Keeps this process, and the plug-in in it, from opening a window system. Before the framework starts. */
+void leaveDisplayAlone();
 
-/** How far a long job is, as one line that is rewritten on the terminal. Shows nothing when stderr is no terminal, nor
-    within the first second. Its line is gone once it is destroyed. */
+/** How far a long job is: on a terminal as one line that is rewritten, and gone at the end; else as a line every half
+    minute. Shows nothing within the first second, and nothing at all when it is not wanted. */
 class Progress
 {
 public:
-    Progress();
+    explicit Progress (bool isWanted);
     ~Progress();
 
     void show (std::int64_t done, std::int64_t total);
 
 private:
+    const bool wanted, onTerminal;
     std::uint32_t nextShow = 0; // milliseconds of the framework's clock
     bool shown = false;
-    const bool onTerminal;
 };
 } // namespace tarvelline::render

@@ -1,140 +1,110 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "render/running/Workers.h"
 
+#include "render/options/Errors.h"
 #include "render/running/Terminal.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <csignal>
-#include <cstdio>
-#include <cstring>
-#include <poll.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <thread>
 
 namespace tarvelline::render
 {
 namespace
 {
-struct Worker
+/** The runs under way. One thread for each takes its output, so that none waits for another's. */
+class Batch
 {
-    pid_t process = -1;
-    int pipe = -1; // what it prints comes out here; at its end the worker is done
-    std::size_t piece = 0;
-};
-
-[[noreturn]] void work (int printInto, const std::function<int()>& piece)
-{
-    ignoreFurtherInterrupts();
-    dup2 (printInto, STDOUT_FILENO);
-    dup2 (printInto, STDERR_FILENO);
-    close (printInto);
-    const auto code = piece();
-    std::fflush (nullptr);
-    _exit (code);
-}
-
-Worker start (std::size_t piece, const std::function<int (int)>& toDo, WorkOutcome& outcome)
-{
-    std::array<int, 2> ends {};
-    std::fflush (nullptr); // or it would be printed twice
-
-    if (pipe (ends.data()) == 0)
+public:
+    Batch (int count, const std::function<juce::StringArray (int)>& toTell)
+        : argumentsFor (toTell), outcomes (static_cast<std::size_t> (count))
     {
-        const auto process = fork();
+    }
 
-        if (process == 0)
+    /** Runs one after the other while there are any left. */
+    void work()
+    {
+        std::unique_lock lock (guard);
+
+        while (! stopping && next < outcomes.size())
         {
-            close (ends[0]);
-            work (ends[1], [&] { return toDo (static_cast<int> (piece)); });
+            auto& outcome = outcomes[next];
+
+            try
+            {
+                const auto process = std::make_shared<Process> (argumentsFor (static_cast<int> (next++)));
+                running.push_back (process);
+                lock.unlock();
+                outcome = process->wait();
+                lock.lock();
+                running.erase (std::find (running.begin(), running.end(), process));
+            }
+            catch (const UserError& error)
+            {
+                outcome = { exitFailed, error.what() };
+            }
+
+            ++over;
+            change.notify_one();
         }
-
-        close (ends[1]);
-
-        if (process > 0)
-            return { process, ends[0], piece };
-
-        close (ends[0]);
     }
 
-    outcome.text = std::string ("cannot start a process: ") + std::strerror (errno);
-    return {};
-}
-
-// False once the worker has ended.
-bool readFrom (const Worker& worker, WorkOutcome& outcome)
-{
-    std::array<char, 4096> text {};
-    const auto bytes = read (worker.pipe, text.data(), text.size());
-
-    if (bytes > 0)
-        outcome.text.append (text.data(), static_cast<std::size_t> (bytes));
-
-    if (bytes > 0 || (bytes < 0 && errno == EINTR))
-        return true;
-
-    close (worker.pipe);
-    int status = 0;
-
-    while (waitpid (worker.process, &status, 0) < 0 && errno == EINTR)
+    /** @returns the number of runs that are over, after a moment or a change */
+    std::size_t waitForChange()
     {
+        std::unique_lock lock (guard);
+        change.wait_for (lock, std::chrono::milliseconds (100)); // until an interruption is looked for again
+        return over;
     }
 
-    outcome.exitCode = WIFEXITED (status) ? WEXITSTATUS (status) : 128 + WTERMSIG (status);
-    return false;
-}
+    void stop()
+    {
+        const std::lock_guard lock (guard);
+        stopping = true;
 
-std::vector<pollfd> pipesOf (const std::vector<Worker>& workers)
-{
-    std::vector<pollfd> pipes;
-    pipes.reserve (workers.size());
+        for (const auto& process : running)
+            process->stop();
+    }
 
-    for (const auto& worker : workers)
-        pipes.push_back ({ worker.pipe, POLLIN, 0 });
+    bool isOver()
+    {
+        const std::lock_guard lock (guard);
+        return running.empty() && (stopping || over == outcomes.size());
+    }
 
-    return pipes;
-}
+    std::vector<Outcome> takeOutcomes() { return std::move (outcomes); }
+
+private:
+    const std::function<juce::StringArray (int)>& argumentsFor;
+    std::mutex guard; // of all below
+    std::condition_variable change;
+    std::vector<Outcome> outcomes;
+    std::vector<std::shared_ptr<Process>> running;
+    std::size_t next = 0, over = 0;
+    bool stopping = false;
+};
 } // namespace
 
-std::vector<WorkOutcome> runWorkers (int count, int jobs, const std::function<int (int)>& toDo,
-                                     const std::function<void (int)>& finished)
+std::vector<Outcome> runWorkers (int count, int jobs, const std::function<juce::StringArray (int)>& argumentsFor,
+                                 const std::function<void (int)>& finished)
 {
-    constexpr int patience = 200; // milliseconds until an interruption is looked for again
-    std::vector<WorkOutcome> outcomes (static_cast<std::size_t> (count));
-    std::vector<Worker> workers;
-    bool stopping = false;
+    Batch batch (count, argumentsFor);
+    std::vector<std::jthread> threads;
 
-    for (std::size_t next = 0; next < outcomes.size() || ! workers.empty();)
+    for (int i = 0; i < std::min (count, jobs); ++i)
+        threads.emplace_back ([&batch] { batch.work(); });
+
+    for (bool stopped = false; ! batch.isOver();)
     {
-        if (interrupted() && ! stopping)
-        {
-            stopping = true;
-            next = outcomes.size();
+        finished (static_cast<int> (batch.waitForChange()));
 
-            for (const auto& worker : workers)
-                kill (worker.process, SIGTERM);
-        }
-
-        for (; next < outcomes.size() && workers.size() < static_cast<std::size_t> (jobs); ++next)
-            if (const auto worker = start (next, toDo, outcomes[next]); worker.process > 0)
-                workers.push_back (worker);
-
-        auto pipes = pipesOf (workers);
-
-        if (poll (pipes.data(), pipes.size(), patience) <= 0)
-            continue;
-
-        std::vector<Worker> running;
-
-        for (std::size_t i = 0; i < workers.size(); ++i)
-            if (pipes[i].revents == 0 || readFrom (workers[i], outcomes[workers[i].piece]))
-                running.push_back (workers[i]);
-
-        workers = running;
-        finished (static_cast<int> (next - workers.size()));
+        if (interrupted() && ! std::exchange (stopped, true))
+            batch.stop();
     }
 
-    return outcomes;
+    threads.clear();
+    return batch.takeOutcomes();
 }
 } // namespace tarvelline::render

@@ -17,7 +17,15 @@ const Mistake mistakes[] = {
     { "in.wav out.wav --loud", "--loud", "--help" },
     { "in.wav out.wav --set mixer=0.5", "\"mixer\"", "mixerPar" },
     { "in.wav out.wav --set mixerPar=nan", "nan", "0 to 1" },
-    { "in.wav out.wav --semitones 24.5", "24.5", "-24 to +24" },
+    { "in.wav out.wav --set mixerPar=0.5x", "0.5x", "0 to 1" },
+    { "in.wav out.wav --s 3", "--s ", "--semitones or --set" },
+    { "in.wav out.wav --quiet=yes", "--quiet", "no value" },
+    { "in.wav out.wav --bits", "--bits", "16|24|32" },
+    { "in.wav -x.wav", "-x", "after --" },
+    { "in.wav out.wav --formant 3 --set timbRange=1", "timbRange", "leave out" },
+    { "in.wav out.wav --automate far.csv", "far.csv, line 1", "-24 to +24" },
+    { "in.wav out.wav --automate both.csv", "\"pitch\"", "leave out" },
+    { "in.wav out.wav --semitones 24.5", "24.5", "-24 to +24; the widest range" },
     { "in.wav out.wav --semitones 5 --set mainRange=1", "mainRange", "leave out" },
     { "in.wav out.wav --block 0", "--block 0", "1 to 65536" },
     { "gone.wav out.wav", "gone.wav", "there is no file" },
@@ -78,6 +86,8 @@ protected:
         file ("in.wav").createSymbolicLink (file ("link.wav"), true);
         file ("notes.csv").replaceWithText ("# a move\n0.5,mixerPar,1\n0.5;mixerPar;0\n");
         file ("out.wav").replaceWithText ("old");
+        file ("far.csv").replaceWithText ("1,pitch,25\n");
+        file ("both.csv").replaceWithText ("1,pitch,5\n2,mainRange,1\n");
         file ("bare.csv").replaceWithText ("0.5,mixerPar,1,line\n");
         const unsigned char patterns[] = "MThd\0\0\0\6\0\2\0\0\1\xe0"; // type 2
         file ("patterns.mid").replaceWithData (patterns, sizeof (patterns) - 1);
@@ -149,22 +159,24 @@ TEST_F (RenderErrorTest, FullDiskIsReported)
     }
 }
 
+// Interrupted while it writes: one process, several, and one for several files.
 TEST_F (RenderErrorTest, InterruptionLeavesNothingBehind)
 {
     write ("in.wav", { 192000.0, { whiteNoise (4000000) } });
-
     file ("in.wav").copyFileTo (file ("too.wav"));
     filesBefore.add ("too.wav");
     filesBefore.sort (false);
 
     for (const auto signal : { "INT", "TERM" })
-        for (const auto files : { "in.wav out.wav", "in.wav too.wav --out-dir . --jobs 2 --format flac" })
+        for (const auto files : { "in.wav out.wav", "in.wav too.wav --out-dir . --jobs 2 --format flac",
+                                  "in.wav too.wav --out-dir . --format flac" })
         {
-            const auto outcome = shell ("\"$RENDER\" " + juce::String (files)
-                                        + " --semitones 5 --block 1 & for i in $(seq 1000); do [ $(ls -A | wc -l) = "
-                                        + juce::String (filesBefore.size()) + " ] || break; sleep 0.01; done; kill -"
-                                        + juce::String (signal) + " $!; wait $!");
-            EXPECT_EQ (outcome.exitCode, 130) << outcome.text;
+            // Until a temporary file is there, or for a second.
+            const auto outcome =
+                shell ("\"$RENDER\" " + juce::String (files)
+                       + " --semitones 5 & for i in $(seq 100); do sleep 0.01; [ $(ls -A | wc -l) = "
+                       + juce::String (filesBefore.size()) + " ] || break; done; kill -" + signal + " $!; wait $!");
+            EXPECT_EQ (outcome.exitCode, 130) << files << ": " << outcome.text;
         }
 }
 
@@ -197,12 +209,19 @@ TEST_F (RenderErrorTest, BrokenPipeIsAnError)
 TEST_F (RenderErrorTest, OneOfSeveralFilesFailsAlone)
 {
     write ("My Song (2).wav", { 44100.0, { whiteNoise (1000, noiseSeed + 1) } });
-    const auto outcome = run ("in.wav cut.wav 'My Song (2).wav' --jobs 2 --semitones 2 --out-dir made");
-    EXPECT_EQ (outcome.exitCode, 1);
 
-    for (const auto part : { "in.wav           written", "cut.wav          failed   IN: ", "cut off",
-                             "My Song (2).wav  written", "2 of 3 files written" })
-        EXPECT_TRUE (outcome.text.contains (part)) << part << " is not in " << outcome.text;
+    for (const juce::String jobs : { "", " --jobs 2" })
+    {
+        const auto command = "in.wav cut.wav 'My Song (2).wav' --semitones 2 --out-dir made" + jobs;
+        const auto errors = run (command + " 2>&1 >/dev/null"), others = run (command + " 2>/dev/null");
+        EXPECT_EQ (errors.exitCode, 1);
+
+        for (const auto part : { "cut.wav          failed   IN: ", "cut off", "2 of 3 files written" })
+            EXPECT_TRUE (errors.text.contains (part)) << part << " is not in " << errors.text;
+
+        for (const auto part : { "in.wav           written", "My Song (2).wav  written" })
+            EXPECT_TRUE (others.text.contains (part)) << part << " is not in " << others.text;
+    }
 
     EXPECT_EQ (run ("'My Song (2).wav' alone.wav --semitones 2").exitCode, 0);
     EXPECT_TRUE (file ("made/My-Song-2.wav").hasIdenticalContentTo (file ("alone.wav")));

@@ -75,13 +75,13 @@ protected:
         return recording;
     }
 
-    /** Runs a command of the shell in the folder, with the program as $RENDER. */
+    /** Runs a command of the shell in the folder, for two minutes at most, with the program as $RENDER. */
     Outcome shell (const juce::String& command) const
     {
         juce::ChildProcess child;
         const auto script = "cd '" + folder.getFullPathName() + "' || exit; RENDER='" TARVELLINE_RENDER "'; " + command;
 
-        if (! child.start (juce::StringArray { "/bin/sh", "-c", script }))
+        if (! child.start (juce::StringArray { "timeout", "120", "/bin/sh", "-c", script }))
             return {};
 
         const auto text = child.readAllProcessOutput();

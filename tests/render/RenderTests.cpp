@@ -327,6 +327,10 @@ TEST_F (RenderTest, StatesAndPresetsSoundLikeTheirSettings)
     ASSERT_EQ (run ("--save-state x.vstpreset " + made).exitCode, 0);
     EXPECT_TRUE (sameBits (render ("--state x.vstpreset" + more), expected));
 
+    // The bare block that a host is handed lies in the file, from its 49th byte on.
+    ASSERT_EQ (shell ("tail -c +49 x.vstpreset > bare").exitCode, 0);
+    EXPECT_TRUE (sameBits (render ("--state bare" + more), expected));
+
     const auto installed = file (".vst3/presets/Vorntaal/Tarvelline/Own Sound.vstpreset");
     ASSERT_TRUE (installed.getParentDirectory().createDirectory() && file ("x.vstpreset").moveFileTo (installed));
     EXPECT_TRUE (shell ("HOME=$PWD \"$RENDER\" --preset-list").text.contains ("Own Sound  "));
