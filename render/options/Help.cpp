@@ -14,9 +14,9 @@ usage: tarvelline-render IN OUT [options]
        tarvelline-render IN... --out-dir DIR [options]
        tarvelline-render --save-state FILE [options]
 
-IN is a WAV, AIFF or FLAC file, mono or stereo, at any sample rate. OUT becomes a file of the kind that its ending names (.wav,
-.aif, .aiff or .flac), of the same rate and channels. The two line up to the sample: the latency is taken out. OUT is one
-latency longer than IN, for what rings on.
+IN is a WAV, W64, AIFF, CAF, AU, FLAC, Ogg Vorbis, Opus or MP3 file, of 1 to 64 channels, at 8 to 384 kHz. OUT becomes a file of
+the kind that its ending names, of the same rate and channels. The two line up to the sample: the latency is taken out. OUT is
+one latency longer than IN, for what rings on. - stands for the standard input or output.
 
 Sound:
   --set ID=VALUE      a parameter's setting from the first sample on; VALUE is normalised, 0 to 1; may be repeated
@@ -31,9 +31,12 @@ Sound:
 Files:
   --out-dir DIR       renders any number of IN into a folder, under their names; characters that shells read become -
   --jobs N            files at once, each in a process with a plug-in of its own; 1 unless given
-  --format KIND       wav, aiff or flac files in the folder; wav unless given
-  --bits 16|24|32     bits of a sample: 16 with dither, 24, or 32-bit float, which cannot clip and only WAV has; the most
-                      that the kind has unless given
+  --format KIND       wav, w64, aiff, caf, au, flac, ogg (Vorbis), opus or mp3; what OUT's ending says unless given, and wav
+                      in a folder and through a pipe
+  --channels RULE     of more than two channels, pairs: the first and second share a plug-in, the third and fourth, ...;
+                      single: none do; left and right of one place unless given, as the file tells
+  --bits 16|24|32     bits of a sample: 16 with dither, 24, or 32-bit float, which cannot clip; not in FLAC, and the lossy
+                      kinds have none. 32 unless given, in AIFF and FLAC 24
   --plot FILE.png     draws spectrograms of IN and OUT, with the shift that sounds
   --save-state FILE   writes the state that playing begins with, as a .vstpreset; without IN it plays nothing
 
