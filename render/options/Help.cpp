@@ -14,9 +14,9 @@ usage: tarvelline-render IN OUT [options]
        tarvelline-render IN... --out-dir DIR [options]
        tarvelline-render --save-state FILE [options]
 
-IN is a WAV, AIFF or FLAC file, mono or stereo, at any sample rate. OUT becomes a file of the kind that its ending names (.wav,
-.aif, .aiff or .flac), of the same rate and channels. The two line up to the sample: the latency is taken out. OUT is one
-latency longer than IN, for what rings on.
+IN is a WAV, W64, AIFF, CAF, AU, FLAC, Ogg Vorbis, Opus or MP3 file, of 1 to 64 channels, at 8 to 384 kHz. OUT becomes a file of
+the kind that its ending names, of the same rate and channels. The two line up to the sample: the latency is taken out. OUT is
+one latency longer than IN, for what rings on. - stands for the standard input or output.
 
 )";
 

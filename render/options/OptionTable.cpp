@@ -128,16 +128,16 @@ const std::vector<OptionRow>& optionTable()
         { files, firstRun, "jobs", 0, "N", "files at once, each in a process with a plug-in of its own; 1 unless given",
           [] (Options& o, const juce::String& text) { o.jobs = wholeNumber (text, mostJobs); } },
         { files, everyRun, "format", 0, "KIND",
-          "the kind of OUT: wav, w64, aiff, caf, au, flac, ogg, opus or mp3; else its ending says it, and in\n"
-          "the folder and for the standard output it is wav",
+          "wav, w64, aiff, caf, au, flac, ogg (Vorbis), opus or mp3; what OUT's ending says unless given,\n"
+          "and wav in a folder and through a pipe",
           [] (Options& o, const juce::String& text) { o.format = text; } },
         { files, everyRun, "bits", 0, "16|24|32",
-          "bits of a sample: 16 with dither, 24, or 32-bit float, which cannot clip; 32 unless given, 24\n"
-          "for aiff and flac, which has no more; ogg, opus and mp3 have none",
+          "bits of a sample: 16 with dither, 24, or 32-bit float, which cannot clip; not in FLAC, and the\n"
+          "lossy kinds have none. 32 unless given, in AIFF and FLAC 24",
           setBits },
         { files, everyRun, "channels", 0, "pairs|single",
-          "which channels share a plug-in, and so their attacks: pairs in the order of the file, or none;\n"
-          "left and right of each place, as the file labels them, unless given",
+          "of more than two channels, pairs: the first and second share a plug-in, the third and fourth,\n"
+          "...; single: none do; left and right of one place unless given, as the file tells",
           setChannels },
         { files, everyRun, "plot", 0, "FILE.png", "draws spectrograms of IN and OUT, with the shift that sounds",
           nameFile<&Options::plot> },

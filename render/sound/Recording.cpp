@@ -2,6 +2,7 @@
 #include "render/sound/Recording.h"
 
 #include "render/options/Errors.h"
+#include "render/running/Terminal.h"
 
 #include <algorithm>
 #include <array>
@@ -153,6 +154,9 @@ void Recording::checkDecoding()
 
     for (sf_count_t got = chunk; got > 0; position += got)
     {
+        if (interrupted())
+            throw Interrupted();
+
         got = sf_readf_float (handle.get(), frames.data(), chunk);
         damaged |= sf_error (handle.get()) != SF_ERR_NO_ERROR;
     }

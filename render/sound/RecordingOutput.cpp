@@ -85,6 +85,7 @@ void RecordingOutput::open()
     info.samplerate = static_cast<int> (source.sampleRate);
     info.channels = channels;
     info.format = container (kind, channels, bytes) | encoding (kind, sampleBits);
+    isRf64 = (info.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_RF64;
     const auto refusal = channels > kind.mostChannels ? "it has " + juce::String (kind.mostChannels) + " at most"
                          : bytes > kind.mostBytes     ? juce::String ("it ends at 4 GiB")
                                                       : whyNot (kind, info);
@@ -151,7 +152,7 @@ void RecordingOutput::finish()
     if (keepsNotes())
     {
         juce::FileInputStream notes (source.getFile());
-        appendNotes (source.getLayout(), notes, *out.stream);
+        appendNotes (source.getLayout(), notes, *out.stream, isRf64);
     }
 
     out.stream.reset();

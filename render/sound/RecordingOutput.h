@@ -48,6 +48,7 @@ private:
     NewFile file;
     Quantiser quantiser;
     SoundTarget out;
+    bool isRf64 = false;
     SoundHandle handle;
     std::vector<float> frames;
     juce::int64 samplesWritten = 0;

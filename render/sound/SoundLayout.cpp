@@ -217,7 +217,7 @@ bool mp3HasTable (juce::InputStream& in)
     return has ("Xing") || has ("Info") || has ("VBRI");
 }
 
-void appendNotes (const SoundLayout& layout, juce::InputStream& from, juce::OutputStream& to)
+void appendNotes (const SoundLayout& layout, juce::InputStream& from, juce::OutputStream& to, bool intoRf64)
 {
     const bool bigEndian = layout.family == Family::aiff;
 
@@ -246,8 +246,7 @@ void appendNotes (const SoundLayout& layout, juce::InputStream& from, juce::Outp
 
     padToEven();
     const auto length = to.getPosition() - 8;
-    const bool isLong = length > std::numeric_limits<std::uint32_t>::max(); // then it is RF64, and begins with ds64
-    to.setPosition (isLong ? 20 : 4);
-    writeNumber (to, length, isLong ? 8 : 4, bigEndian);
+    to.setPosition (intoRf64 ? 20 : 4);
+    writeNumber (to, length, intoRf64 ? 8 : 4, bigEndian);
 }
 } // namespace tarvelline::render

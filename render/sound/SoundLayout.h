@@ -48,5 +48,5 @@ bool mp3HasTable (juce::InputStream&);
 
 /** Appends what a file holds besides its sound (titles, time stamp, markers, loops, tempo, ...) to a finished one of the
     same family, byte by byte, and corrects the length in its header. */
-void appendNotes (const SoundLayout&, juce::InputStream& from, juce::OutputStream& to);
+void appendNotes (const SoundLayout&, juce::InputStream& from, juce::OutputStream& to, bool intoRf64);
 } // namespace tarvelline::render

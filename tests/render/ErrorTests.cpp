@@ -93,7 +93,7 @@ protected:
         file ("patterns.mid").replaceWithData (patterns, sizeof (patterns) - 1);
         EXPECT_EQ (run ("in.wav wrong.flac --set mixerPar=0 --save-state cut.vstpreset").exitCode, 0);
         shell ("ln in.wav hard.wav; ln out.wav hardout.wav;"
-               // the upper half of the length of the sound, the last number before it
+               // the highest byte of the sound's length
                "at=$(grep -abo data claim.wav | head -1 | cut -d: -f1);"
                "printf '\\100' | dd of=claim.wav bs=1 seek=$((at + 7)) conv=notrunc;"
                "printf X | dd of=wrong.flac bs=1 seek=3000 conv=notrunc;"
