@@ -32,7 +32,7 @@ void leaveOutWhatIsThere (Options& options)
     std::erase_if (options.tasks,
                    [&] (const Task& task)
                    {
-                       const auto isThere = task.output.exists();
+                       const auto isThere = task.output.existsAsFile();
 
                        if (isThere && ! options.quiet)
                            std::fprintf (stderr, "note: %s is there already and stays as it is\n",

@@ -90,6 +90,8 @@ juce::StringArray takeAll (Options& options, const juce::StringArray& arguments)
     for (const auto& argument : arguments)
         words.push_back (argument.toStdString());
 
+    pointers.reserve (words.size() + 1);
+
     for (auto& word : words)
         pointers.push_back (word.data());
 
@@ -109,8 +111,9 @@ juce::StringArray takeAll (Options& options, const juce::StringArray& arguments)
         else if (found == ':')
             takeOption (options, rows[static_cast<std::size_t> (optopt - firstLongOption)], {});
         else if (found == '?')
-            refuse (word.startsWith ("--") ? word
-                                           : "-" + juce::String::charToString (static_cast<juce::juce_wchar> (optopt)));
+            refuse (optopt > 0 && optopt < firstLongOption
+                        ? "-" + juce::String::charToString (static_cast<juce::juce_wchar> (optopt))
+                        : word);
         else
             takeOption (options, row != rows.end() ? *row : rows[static_cast<std::size_t> (found - firstLongOption)],
                         value);

@@ -9,6 +9,7 @@
 #include <condition_variable>
 #include <memory>
 #include <thread>
+#include <utility>
 
 namespace tarvelline::render
 {
@@ -92,6 +93,8 @@ std::vector<Outcome> runWorkers (int count, int jobs, const std::function<juce::
 {
     Batch batch (count, argumentsFor);
     std::vector<std::jthread> threads;
+
+    threads.reserve (static_cast<std::size_t> (std::min (count, jobs)));
 
     for (int i = 0; i < std::min (count, jobs); ++i)
         threads.emplace_back ([&batch] { batch.work(); });
