@@ -48,12 +48,15 @@ std::string bytesAt (juce::InputStream& in, juce::int64 place, int count)
     return bytes;
 }
 
+constexpr juce::int64 longest = juce::int64 { 1 } << 60; // bytes; far beyond any file, and sums of it fit 64 bits
+
+// Never less than -1 nor more than `longest`.
 juce::int64 numberAt (juce::InputStream& in, juce::int64 place, int bytes, bool bigEndian)
 {
     in.setPosition (place);
 
     if (bytes == 8)
-        return bigEndian ? in.readInt64BigEndian() : in.readInt64();
+        return std::clamp<juce::int64> (bigEndian ? in.readInt64BigEndian() : in.readInt64(), -1, longest);
 
     return static_cast<std::uint32_t> (bigEndian ? in.readIntBigEndian() : in.readInt());
 }
@@ -81,15 +84,14 @@ bool isStandIn (juce::int64 number, int bytes)
 {
     constexpr juce::int64 nearby = 1 << 16, twoGib = 0x80000000, fourGib = 0x100000000;
 
-    return bytes == 8 ? number > std::numeric_limits<juce::int64>::max() - nearby
-                      : std::abs (number - twoGib) < nearby || number > fourGib - nearby;
+    return bytes == 8 ? number == longest : std::abs (number - twoGib) < nearby || number > fourGib - nearby;
 }
 
 void noteSound (SoundLayout& layout, juce::InputStream& in, juce::int64 start, const LengthField& field)
 {
     const auto told = numberAt (in, field.place, field.bytes, field.bigEndian);
     const auto rest = std::max<juce::int64> (0, in.getTotalLength() - start);
-    layout.promised = told < 0 ? -1 : told - field.counted;
+    layout.promised = told - field.counted;
 
     if (layout.promised < 0 || (layout.promised == 0 && ! field.mayBeZero)
         || (layout.promised > rest && isStandIn (told, field.bytes)))
