@@ -30,8 +30,12 @@ void tryReader (Read read)
     }
 }
 
-void playEvents (const std::vector<TimedSetting>& changes, const std::vector<TimedMessage>& messages)
+void playEvents (std::vector<TimedSetting> changes, std::vector<TimedMessage> messages)
 {
+    std::vector<Setting> settings;
+    applyRanges (changes, settings);
+    alignToSound (changes, messages, 2048 / 48000.0, true);
+
     for (const auto& message : messages)
         require (message.seconds >= 0.0, "an event has a time");
 

@@ -36,6 +36,7 @@ std::vector<TimedSetting> readAutomation (const juce::File&);
     and at one time those that end notes come first. Throws UserError when the file is none, or of type 2, whose tracks
     have no common time. */
 std::vector<TimedMessage> readMidi (const juce::File&);
+
 /** Turns the semitones of a table into positions of the wheels: on the range that playing begins with, or on the narrowest
     that holds the table if that one does not, on which the wheel begins at the shift it had. A table that moves the timbre
     puts the timbre wheel in use, unless it says when.
