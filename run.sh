@@ -56,7 +56,7 @@ fi
 install_missing
 build_targets "$root" release Tarvelline_VST3 tarvelline_render tarvelline_preset_files
 
-render="$root/build/release/tools/render/tarvelline-render"
+render="$root/build/release/render/tarvelline-render"
 
 if [[ $# -gt 0 ]]; then
     exec "$render" "$@"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "bench/CompareChart.h"
 
-#include "tools/render/Axes.h"
+#include "render/plot/Axes.h"
 
 #include <juce_graphics/juce_graphics.h>
 

@@ -5,7 +5,8 @@
 
 #include <algorithm>
 #include <bit>
-#include <cassert>
+#include <stdexcept>
+#include <string>
 
 namespace tarvelline
 {
@@ -20,8 +21,10 @@ struct Scratch
 
 void HartleyTransform::init (int transformLength)
 {
-    assert (transformLength >= HartleyTables::shortest && transformLength <= HartleyTables::longest
-            && std::has_single_bit (static_cast<unsigned> (transformLength)));
+    if (transformLength < HartleyTables::shortest || transformLength > HartleyTables::longest
+        || ! std::has_single_bit (static_cast<unsigned> (transformLength)))
+        throw std::invalid_argument ("no length of a Hartley transform: " + std::to_string (transformLength));
+
     tables = HartleyTables (transformLength);
     chooseInstructionSet();
 }

@@ -14,7 +14,7 @@ namespace tarvelline
     Threads: init() and release() while nobody transforms; the transforms are const and may run on any thread, each on
             its own data. Real time: the transforms allocate nothing, lock nothing and never throw; they use 8 N bytes of
             the stack, 64 KB at most.
-    Errors: a length outside the shapes above is a caller's fault (asserted).
+    Errors: a length outside the shapes above throws std::invalid_argument, and the tables stay as they were.
     Results: the same on every run on one machine; machines with other vector instructions round differently.
 
     Method: N reals as N / 2 complex values, radix-4 passes that sort themselves (Stockham), and one pass, fused with the

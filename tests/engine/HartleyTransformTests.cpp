@@ -8,6 +8,7 @@
 
 #include <complex>
 #include <numbers>
+#include <stdexcept>
 #include <tuple>
 
 namespace tarvelline::test
@@ -69,5 +70,12 @@ TEST_P (Hartley, PairsAreTheFourierCoefficientsAndInverseUndoesThem)
         sample /= static_cast<float> (length);
 
     EXPECT_GT (signalToDifferenceDb (data, input), 120.0); // measured: 134 to 137 dB
+}
+
+// A length beyond the scratch, which wrote past the stack where assertions are off.
+TEST (HartleyLengths, AnyOtherIsRefused)
+{
+    for (const auto length : { -256, 0, 1, 128, 3000, 16384 })
+        EXPECT_THROW (HartleyTransform { length }, std::invalid_argument) << length;
 }
 } // namespace tarvelline::test

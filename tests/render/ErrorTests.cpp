@@ -17,18 +17,31 @@ const Mistake mistakes[] = {
     { "in.wav out.wav --loud", "--loud", "--help" },
     { "in.wav out.wav --set mixer=0.5", "\"mixer\"", "mixerPar" },
     { "in.wav out.wav --set mixerPar=nan", "nan", "0 to 1" },
-    { "in.wav out.wav --semitones 24.5", "24.5", "-24 to +24" },
+    { "in.wav out.wav --set mixerPar=0.5x", "0.5x", "0 to 1" },
+    { "in.wav out.wav --s 3", "--s ", "--semitones or --set" },
+    { "in.wav out.wav --quiet=yes", "--quiet", "no value" },
+    { "in.wav out.wav --bits", "--bits", "16|24|32" },
+    { "in.wav -x.wav", "-x", "after --" },
+    { "in.wav out.wav --formant 3 --set timbRange=1", "timbRange", "leave out" },
+    { "in.wav out.wav --automate far.csv", "far.csv, line 1", "-24 to +24" },
+    { "in.wav out.wav --automate both.csv", "\"pitch\"", "leave out" },
+    { "in.wav out.wav --semitones 24.5", "24.5", "-24 to +24; the widest range" },
     { "in.wav out.wav --semitones 5 --set mainRange=1", "mainRange", "leave out" },
     { "in.wav out.wav --block 0", "--block 0", "1 to 65536" },
     { "gone.wav out.wav", "gone.wav", "there is no file" },
-    { "notes.csv out.wav", "notes.csv", "WAV, AIFF or FLAC" },
-    { "five.wav out.wav", "five.wav", "mono or stereo" },
+    { "notes.csv out.wav", "notes.csv", "give WAV, W64" },
+    { ". out.wav", "is a folder", "files in it" },
+    { "/dev/zero out.wav", "/dev/zero", "give -" },
+    { "- out.wav </dev/null", "standard input", "give WAV, W64" },
+    { "slow.wav out.wav", "1 Hz", "8000 to 384000" },
     { "cut.wav out.wav", "cut.wav", "cut off" },
-    { "claim.wav out.wav", "claim.wav", "cut off" }, // its header says 4 GiB
+    { "claim.wav out.wav", "claim.wav", "cut off" }, // its header says 1 GiB
     { "in.wav in.wav", "in.wav", "another file" },
     { "in.wav link.wav", "in.wav", "another file" },
+    { "in.wav hard.wav", "hard.wav", "another file" },
+    { "in.wav out.wav --plot hardout.wav", "hardout.wav", "another file" },
     { "in.wav gone/out.wav", "gone", "there is no folder" },
-    { "in.wav /dev/null", "/dev/null", "not a file" },
+    { "in.wav /dev/null --format wav", "/dev/null", "not a file" },
     { "in.wav out.wav --plot out.wav", "out.wav", "another file" },
     { "in.wav out.wav --midi notes.csv", "notes.csv", "standard MIDI file" },
     { "in.wav out.wav --automate gone.csv", "gone.csv", "cannot read" },
@@ -38,12 +51,17 @@ const Mistake mistakes[] = {
     { "in.wav out.wav --state notes.csv", "notes.csv", ".vstpreset" },
     { "in.wav out.wav --state cut.vstpreset", "cut.vstpreset", ".vstpreset" },
     { "in.wav out.wav --preset nothing", "\"nothing\"", "--preset-list" },
-    { "in.wav out.mp3", "out.mp3", ".flac" },
+    { "in.wav out.xyz", "out.xyz", ".flac" },
+    { "in.wav out.flac --format wav", "--format wav", "leave one" },
     { "in.wav out.flac --bits 32", "--bits 32", "16 or 24" },
-    { "cut.flac out.wav", "cut.flac", "cut off" },
+    { "in.wav out.ogg --bits 16", "--bits 16", "leave it out" },
+    { "in.wav out.opus", "44100 Hz", "48000" },
+    { "fast.wav out.mp3", "96000 Hz", "48000" },
+    { "many.wav out.flac", "9 channels", "8 at most" },
+    { "in.wav out.wav --channels all", "--channels all", "pairs or single" },
     { "wrong.flac out.wav", "wrong.flac", "damaged" },
     { "in.wav out.wav --save-state out.wav", "out.wav", "another file" },
-    { "in.wav five.wav --out-dir . --plot plot.png", "--plot", "one IN" },
+    { "in.wav cut.wav --out-dir . --plot plot.png", "--plot", "one IN" },
     { "in.wav sub/in.aiff --out-dir .", "in.wav and sub/in.aiff", "two folders" },
     { "in.wav out.wav --module gone.vst3", "gone.vst3", "Tarvelline.vst3" },
     { "in.wav out.wav --module in.wav", "in.wav", "not the Tarvelline plug-in" },
@@ -58,19 +76,27 @@ protected:
     {
         const auto noise = whiteNoise (1000);
         write ("in.wav", { 44100.0, { noise } });
-        write ("five.wav", { 44100.0, { noise, noise, noise, noise, noise } });
+        write ("many.wav", { 44100.0, std::vector<Samples> (9, noise) });
+        write ("fast.wav", { 96000.0, { noise } });
+        write ("slow.wav", { 1.0, { noise } });
         write ("cut.wav", { 44100.0, { noise } });
         juce::FileOutputStream cut (file ("cut.wav"));
         EXPECT_TRUE (cut.setPosition (3000) && cut.truncate().wasOk());
-        seeds.getChildFile ("claims4gib.wav").copyFileTo (file ("claim.wav"));
+        file ("in.wav").copyFileTo (file ("claim.wav"));
         file ("in.wav").createSymbolicLink (file ("link.wav"), true);
         file ("notes.csv").replaceWithText ("# a move\n0.5,mixerPar,1\n0.5;mixerPar;0\n");
         file ("out.wav").replaceWithText ("old");
+        file ("far.csv").replaceWithText ("1,pitch,25\n");
+        file ("both.csv").replaceWithText ("1,pitch,5\n2,mainRange,1\n");
         file ("bare.csv").replaceWithText ("0.5,mixerPar,1,line\n");
         const unsigned char patterns[] = "MThd\0\0\0\6\0\2\0\0\1\xe0"; // type 2
         file ("patterns.mid").replaceWithData (patterns, sizeof (patterns) - 1);
         EXPECT_EQ (run ("in.wav wrong.flac --set mixerPar=0 --save-state cut.vstpreset").exitCode, 0);
-        shell ("head -c 2500 wrong.flac > cut.flac; printf X | dd of=wrong.flac bs=1 seek=3000 conv=notrunc;"
+        shell ("ln in.wav hard.wav; ln out.wav hardout.wav;"
+               // the highest byte of the sound's length
+               "at=$(grep -abo data claim.wav | head -1 | cut -d: -f1);"
+               "printf '\\100' | dd of=claim.wav bs=1 seek=$((at + 7)) conv=notrunc;"
+               "printf X | dd of=wrong.flac bs=1 seek=3000 conv=notrunc;"
                "printf '<x' | dd of=cut.vstpreset bs=1 seek=56 conv=notrunc");
         filesBefore = filesThere();
     }
@@ -133,34 +159,69 @@ TEST_F (RenderErrorTest, FullDiskIsReported)
     }
 }
 
+// Interrupted while it writes: one process, several, and one for several files.
 TEST_F (RenderErrorTest, InterruptionLeavesNothingBehind)
 {
     write ("in.wav", { 192000.0, { whiteNoise (4000000) } });
-
     file ("in.wav").copyFileTo (file ("too.wav"));
     filesBefore.add ("too.wav");
     filesBefore.sort (false);
 
     for (const auto signal : { "INT", "TERM" })
-        for (const auto files : { "in.wav out.wav", "in.wav too.wav --out-dir . --jobs 2 --format flac" })
+        for (const auto files : { "in.wav out.wav", "in.wav too.wav --out-dir . --jobs 2 --format flac",
+                                  "in.wav too.wav --out-dir . --format flac" })
         {
+            // Until a temporary file is there, or for a second.
             const auto outcome =
                 shell ("\"$RENDER\" " + juce::String (files)
-                       + " --semitones 5 & while [ $(ls | wc -l) = " + juce::String (filesBefore.size())
-                       + " ]; do sleep 0.01; done; kill -" + juce::String (signal) + " $!; wait $!");
-            EXPECT_EQ (outcome.exitCode, 130) << outcome.text;
+                       + " --semitones 5 & for i in $(seq 100); do sleep 0.01; [ $(ls -A | wc -l) = "
+                       + juce::String (filesBefore.size()) + " ] || break; done; kill -" + signal + " $!; wait $!");
+            EXPECT_EQ (outcome.exitCode, 130) << files << ": " << outcome.text;
         }
 }
+
+// A reader that takes what is there for the whole, or what is missing for silence.
+TEST_F (RenderErrorTest, WhatIsCutOffIsRefused)
+{
+    for (const juce::String kind : { "wav", "w64", "aiff", "caf", "au", "flac", "ogg", "opus", "mp3" })
+    {
+        write ("in.wav", { 48000.0, { whiteNoise (20000) } });
+        ASSERT_EQ (run ("in.wav whole." + kind).exitCode, 0);
+        ASSERT_EQ (shell ("head -c $(($(stat -c %s whole." + kind + ") * 3 / 5)) whole." + kind + " > part").exitCode,
+                   0);
+        const auto outcome = run ("part out.wav");
+        EXPECT_EQ (outcome.exitCode, 2) << kind << outcome.text;
+        EXPECT_TRUE (outcome.text.contains ("cut off")) << kind << ": " << outcome.text;
+        shell ("rm part whole.*");
+    }
+}
+
+// A reader of the output that goes away ends the program without a word, or leaves its file in the folder for temporary ones.
+TEST_F (RenderErrorTest, BrokenPipeIsAnError)
+{
+    const auto outcome = shell ("export TMPDIR=$PWD; exec 2>&1; { sleep 0.1; \"$RENDER\" many.wav - ; echo ended with "
+                                "$? >&2; } | true; sleep 1");
+    EXPECT_TRUE (outcome.text.contains ("Broken pipe")) << outcome.text;
+    EXPECT_TRUE (outcome.text.contains ("ended with 2")) << outcome.text;
+}
+
 // A failure that takes the others along, is told with a code of success, or left out of the table.
 TEST_F (RenderErrorTest, OneOfSeveralFilesFailsAlone)
 {
     write ("My Song (2).wav", { 44100.0, { whiteNoise (1000, noiseSeed + 1) } });
-    const auto outcome = run ("in.wav five.wav 'My Song (2).wav' --jobs 2 --semitones 2 --out-dir made");
-    EXPECT_EQ (outcome.exitCode, 1);
 
-    for (const auto part : { "in.wav           written", "five.wav         failed   IN: ", "mono or stereo",
-                             "My Song (2).wav  written", "2 of 3 files written" })
-        EXPECT_TRUE (outcome.text.contains (part)) << part << " is not in " << outcome.text;
+    for (const juce::String jobs : { "", " --jobs 2" })
+    {
+        const auto command = "in.wav cut.wav 'My Song (2).wav' --semitones 2 --out-dir made" + jobs;
+        const auto errors = run (command + " 2>&1 >/dev/null"), others = run (command + " 2>/dev/null");
+        EXPECT_EQ (errors.exitCode, 1);
+
+        for (const auto part : { "cut.wav          failed   IN: ", "cut off", "2 of 3 files written" })
+            EXPECT_TRUE (errors.text.contains (part)) << part << " is not in " << errors.text;
+
+        for (const auto part : { "in.wav           written", "My Song (2).wav  written" })
+            EXPECT_TRUE (others.text.contains (part)) << part << " is not in " << others.text;
+    }
 
     EXPECT_EQ (run ("'My Song (2).wav' alone.wav --semitones 2").exitCode, 0);
     EXPECT_TRUE (file ("made/My-Song-2.wav").hasIdenticalContentTo (file ("alone.wav")));

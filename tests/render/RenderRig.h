@@ -40,13 +40,13 @@ protected:
     juce::File file (const juce::String& name) const { return folder.getChildFile (name); }
 
     /** Writes a sound file of the kind that the name ends in, with the most bits it takes: 32 in .wav, 24 in .aiff. */
-    void write (const juce::String& name, const Recording& recording, const juce::StringPairArray& notes = {})
+    void write (const juce::String& name, const Recording& recording)
     {
         file (name).deleteFile();
         auto& format = *formats.findFormatForFileExtension (file (name).getFileExtension());
         const std::unique_ptr<juce::AudioFormatWriter> writer (format.createWriterFor (
             new juce::FileOutputStream (file (name)), recording.rate,
-            static_cast<unsigned int> (recording.channels.size()), format.getPossibleBitDepths().getLast(), notes, 0));
+            static_cast<unsigned int> (recording.channels.size()), format.getPossibleBitDepths().getLast(), {}, 0));
         std::vector<const float*> data;
 
         for (auto& channel : recording.channels)
@@ -75,13 +75,13 @@ protected:
         return recording;
     }
 
-    /** Runs a command of the shell in the folder, with the program as $RENDER. */
+    /** Runs a command of the shell in the folder, for two minutes at most, with the program as $RENDER. */
     Outcome shell (const juce::String& command) const
     {
         juce::ChildProcess child;
         const auto script = "cd '" + folder.getFullPathName() + "' || exit; RENDER='" TARVELLINE_RENDER "'; " + command;
 
-        if (! child.start (juce::StringArray { "/bin/sh", "-c", script }))
+        if (! child.start (juce::StringArray { "timeout", "120", "/bin/sh", "-c", script }))
             return {};
 
         const auto text = child.readAllProcessOutput();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/presets/PresetFiles.h"
 
-#include "tools/render/HostedModule.h"
+#include "render/running/HostedModule.h"
 
 #include <stdexcept>
 

@@ -2,7 +2,7 @@
 #include "tools/screenshots/MotionFigure.h"
 
 #include "processor/WheelModel.h"
-#include "tools/render/Axes.h"
+#include "render/plot/Axes.h"
 
 #include <vector>
 

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <juce_core/juce_core.h>
+
+#include <mutex>
+#include <string>
+
+namespace tarvelline::render
+{
+/** What became of a process: its exit code, or 128 + the signal that ended it; and all that it printed. */
+struct Outcome
+{
+    static constexpr int neverBegun = -1;
+
+    int exitCode = neverBegun;
+    std::string text;
+};
+
+/** Another run of this program, with nothing to read, whose output is collected. */
+class Process
+{
+public:
+    /** Starts it. Throws UserError when the system does not. */
+    explicit Process (const juce::StringArray& arguments);
+
+    /** Takes what it prints until it has ended. */
+    Outcome wait();
+
+    /** Asks it to clear up and end, as SIGTERM does. Any thread, also while another one waits. */
+    void stop();
+
+private:
+    std::mutex guard; // of `process`, which is -1 once its number may be another's
+    int process = -1, output = -1;
+};
+} // namespace tarvelline::render

@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/render/RenderRig.h"
+#include "tests/support/Meters.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <regex>
+#include <set>
+#include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace tarvelline::test
+{
+namespace
+{
+constexpr double rate = 44100.0;
+constexpr std::size_t latency = 2048; // at 44.1 kHz
+
+/** The long options that a text names where it explains them. */
+std::set<std::string> optionsIn (const std::string& text, const char* place)
+{
+    std::set<std::string> found;
+    const std::regex lines (place), option ("--[a-z][a-z-]*");
+
+    for (std::sregex_iterator line (text.begin(), text.end(), lines), none; line != none; ++line)
+    {
+        const auto words = line->str();
+
+        for (std::sregex_iterator word (words.begin(), words.end(), option); word != none; ++word)
+            found.insert (word->str());
+    }
+
+    return found;
+}
+
+std::size_t firstDifference (const Samples& a, const Samples& b)
+{
+    return static_cast<std::size_t> (std::mismatch (a.begin(), a.end(), b.begin(), b.end()).first - a.begin());
+}
+} // namespace
+
+class CommandLineTest : public RenderTest
+{
+protected:
+    Samples moved (const char* table, const juce::String& options = {})
+    {
+        file ("moves.csv").replaceWithText (table);
+        return render (options + " --automate moves.csv");
+    }
+
+    /** A MIDI file of messages, each at its time in milliseconds. */
+    void writeMidi (const std::vector<std::pair<int, juce::MidiMessage>>& messages)
+    {
+        juce::MidiMessageSequence track;
+
+        for (const auto& [time, message] : messages)
+            track.addEvent (message, time);
+
+        juce::MidiFile midi;
+        midi.setSmpteTimeFormat (25, 40); // 1000 ticks a second
+        midi.addTrack (track);
+        file ("notes.mid").deleteFile();
+        ASSERT_TRUE (midi.writeTo (*file ("notes.mid").createOutputStream()));
+    }
+
+    static juce::MidiMessage on (int note) { return juce::MidiMessage::noteOn (1, note, 0.8f); }
+    static juce::MidiMessage off (int note) { return juce::MidiMessage::noteOff (1, note); }
+};
+
+// An option that one of the three forgets, or still has.
+TEST_F (CommandLineTest, HelpManPageAndDocumentExplainTheSameOptions)
+{
+    const juce::File docs { TARVELLINE_DOCS };
+    const auto page = docs.getChildFile ("tarvelline-render.1").loadFileAsString().replace ("\\-", "-").toStdString();
+    const auto document = docs.getChildFile ("rendering.md").loadFileAsString().toStdString();
+    const auto expected = optionsIn (run ("--help").text.toStdString(), "\n  (-[a-z], )?--[a-z-]+");
+    EXPECT_GT (expected.size(), 20u);
+    EXPECT_EQ (optionsIn (page, "\\.TP\n\\.B.*"), expected);
+    EXPECT_EQ (optionsIn (document, "\n\\| `-[^|]*\\|"), expected);
+}
+
+// A prefix taken for another option, a name of a file taken for one, or a value for a file.
+TEST_F (CommandLineTest, OptionsAreReadAsOtherProgramsReadThem)
+{
+    write ("in.wav", { rate, { whiteNoise (5000) } });
+    write ("-x.wav", { rate, { whiteNoise (5000, noiseSeed + 1) } });
+    const auto expected = render ("--semitones -3 --block 77");
+    EXPECT_EQ (run ("--semi -3 in.wav --bl=77 other.wav -q").text, "");
+    EXPECT_TRUE (sameBits (read ("other.wav").channels[0], expected));
+    EXPECT_EQ (run ("--semi=1 -- -x.wav --y.wav").exitCode, 0);
+    EXPECT_TRUE (file ("--y.wav").existsAsFile());
+    EXPECT_TRUE (run ("in.wav out.wav -v --set toggleSize=1").text.contains ("toggleSize=1"));
+    EXPECT_TRUE (run ("in.wav other.wav --no-clobber --semitones 9").text.contains ("stays as it is"));
+    EXPECT_TRUE (sameBits (read ("other.wav").channels[0], expected));
+}
+
+// A shift on the wrong wheel, side or range; formants that go along although they are to stay.
+TEST_F (CommandLineTest, SemitonesAreTheWheelsPositions)
+{
+    write ("in.wav", { rate, { material (40000) } });
+    const auto kept = render ("--semitones 4 --set toggleSize=1");
+    EXPECT_TRUE (sameBits (render ("--semitones 4 --keep-formants"), kept));
+    EXPECT_FALSE (sameBits (render ("--semitones 4"), kept));
+    EXPECT_TRUE (
+        sameBits (render ("--formant -3"), render ("--set toggleSize=1 --set timbRange=0.4 --set timbWheelPar=0")));
+    EXPECT_TRUE (sameBits (moved ("0.1,pitch,3\n0.4,pitch,-6,line\n"),
+                           moved ("0.1,mainWheelPar,0.75\n0.4,mainWheelPar,0,line\n")));
+    EXPECT_TRUE (sameBits (moved ("0.1,pitch,-9\n0.2,timbre,3\n", "--semitones 1.5"),
+                           moved ("0.1,mainWheelPar,0.125\n0.2,timbWheelPar,0.75\n",
+                                  "--set toggleSize=1 --set mainRange=0.8 --set mainWheelPar=0.5625")));
+}
+
+// An event that acts earlier or later than it says; a setting at 0 that the beginning goes without.
+TEST_F (CommandLineTest, AlignedEventsActOnTheOutputFromTheirTime)
+{
+    const auto noise = whiteNoise (60000);
+    write ("in.wav", { rate, { noise } });
+    const auto steady = render ("--semitones 2"), jumped = moved ("0.6,pitch,5\n", "--semitones 2 --align sound");
+    const auto asInHosts = moved ("0.6,pitch,5\n", "--semitones 2");
+    constexpr double stirs = 474.0; // measured, in samples: the wheel's weight, until the shift is another whole hop
+    EXPECT_NEAR (static_cast<double> (firstDifference (steady, jumped)), 26460.0 + stirs, 10.0);
+    EXPECT_NEAR (static_cast<double> (firstDifference (steady, asInHosts)), 26460.0 - latency + stirs, 10.0);
+
+    const auto dry = moved ("0,mixerPar,0\n0.6,mixerPar,1\n", "--semitones 2 --align sound");
+    EXPECT_EQ (firstDifference (dry, noise), 26460u);
+}
+
+// A voice that ends early, or that keeps its key so long that the next note is lost.
+TEST_F (CommandLineTest, AlignedVoicesSoundFromTheirNotesBeginningToItsEnd)
+{
+    write ("in.wav", { rate, { sine (440.0, rate, 1.6, 0.5) } });
+    const juce::String options = "--midi notes.mid --set midiOptions=0 --align sound";
+    writeMidi ({ { 300, on (67) } });
+    const auto held = render (options);
+    writeMidi ({ { 300, on (67) }, { 700, off (67) }, { 780, on (67) }, { 1000, off (67) } });
+    const auto played = render (options);
+    const auto peak = [&] (double from, double to)
+    {
+        float highest = 0.0f;
+
+        for (int i = lengthOf (from, rate); i < lengthOf (to, rate); ++i)
+            highest = std::max (highest, std::abs (played[static_cast<std::size_t> (i)]));
+
+        return highest;
+    };
+
+    EXPECT_EQ (peak (0.0, 0.2999), 0.0f);
+    EXPECT_NEAR (static_cast<double> (firstDifference (held, played)), (0.78 - 1.0 / 15.0) * rate - latency, 5.0);
+    EXPECT_GT (peak (0.9, 1.0), 0.1f);
+    EXPECT_EQ (peak (1.068, 1.6), 0.0f);
+    EXPECT_GT (peak (1.0, 1.03), 0.1f);
+}
+
+// A bend, or one of several notes, that depends on where blocks begin; a ninth note that takes another's voice.
+TEST_F (CommandLineTest, BendsAloneAndNotesAtOneTimeDoNotDependOnBlocks)
+{
+    write ("in.wav", { rate, { material (30000) } });
+    writeMidi ({ { 250, juce::MidiMessage::pitchWheel (1, 16383) } });
+    const auto bent = render ("--midi notes.mid --set mixerPar=1");
+    EXPECT_FALSE (sameBits (bent, render ("--set mixerPar=1")));
+
+    for (const auto block : { "1", "100", "4096" })
+        EXPECT_TRUE (sameBits (render ("--midi notes.mid --block " + juce::String (block)), bent)) << block;
+
+    std::vector<std::pair<int, juce::MidiMessage>> notes;
+    std::vector<Samples> chords;
+
+    for (int note = 60; note < 69; ++note)
+    {
+        notes.push_back ({ 100, on (note) });
+        writeMidi (notes);
+
+        if (note >= 66)
+            chords.push_back (render ("--midi notes.mid --set midiOptions=0"));
+    }
+
+    EXPECT_FALSE (sameBits (chords[0], chords[1])); // seven, eight
+    EXPECT_TRUE (sameBits (chords[1], chords[2]));  // nine
+}
+
+// Two takes of one name that become one file, one written over one that is yet to be read, or a folder that is not made.
+TEST_F (CommandLineTest, FoldersAreKept)
+{
+    for (const auto name : { "takes/a/My take.wav", "takes/b/My take.wav" })
+    {
+        file (name).getParentDirectory().createDirectory();
+        write (name, { rate, { whiteNoise (1000) } });
+    }
+
+    ASSERT_EQ (run ("takes/*/*.wav --out-dir made --keep-folders").exitCode, 0);
+    EXPECT_TRUE (file ("made/takes/a/My take.wav").existsAsFile() && file ("made/takes/b/My take.wav").existsAsFile());
+    EXPECT_TRUE (
+        run ("'takes/a/My take.wav' made/takes/b/*.wav --keep-folders --out-dir .").text.contains ("also read"));
+}
+
+// A process that another one's end takes along, or that is told as done; one that is not found when the shell found ours.
+TEST_F (CommandLineTest, CrashOfOneRunIsTold)
+{
+    write ("in.wav", { rate, { whiteNoise (1000) } });
+    write ("long.wav", { 192000.0, { whiteNoise (4000000) } });
+    const auto outcome =
+        shell ("PATH=$PATH:${RENDER%/*}; tarvelline-render long.wav in.wav --out-dir made & for i "
+               "in $(seq 200); do sleep 0.05;"
+               "child=$(cat /proc/$!/task/*/children); [ -z \"$child\" ] || break; done; kill -SEGV $child; wait $!");
+    EXPECT_EQ (outcome.exitCode, 1);
+    EXPECT_TRUE (outcome.text.contains ("long.wav  crashed (signal 11)")) << outcome.text;
+    EXPECT_TRUE (outcome.text.contains ("1 of 2 files written")) << outcome.text;
+    EXPECT_TRUE (file ("made/in.wav").existsAsFile());
+}
+
+// A window system that is asked for although nothing is shown: one that does not answer would hold the program for ever.
+TEST_F (CommandLineTest, DisplayIsLeftAlone)
+{
+    const auto deaf = socket (AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address {};
+    address.sun_family = AF_UNIX;
+    const juce::String display (100000 + static_cast<int> (getpid()));
+    const auto name = ("/tmp/.X11-unix/X" + display).toStdString();
+    const auto length = name.copy (address.sun_path + 1, sizeof (address.sun_path) - 1); // no file, a name alone
+    ASSERT_EQ (bind (deaf, reinterpret_cast<sockaddr*> (&address),
+                     static_cast<socklen_t> (offsetof (sockaddr_un, sun_path) + 1 + length)),
+               0);
+    ASSERT_EQ (listen (deaf, 1), 0);
+    write ("in.wav", { rate, { whiteNoise (1000) } });
+    EXPECT_EQ (shell ("DISPLAY=:" + display + " timeout 20 \"$RENDER\" in.wav out.wav").exitCode, 0);
+    close (deaf);
+}
+} // namespace tarvelline::test
