@@ -136,6 +136,41 @@ void drawPlot (const Task& task, NewFile& plot, const ShiftTrace& trace, Recordi
     writeWhole (plot,
                 [&] (juce::OutputStream& stream) { return juce::PNGImageFormat().writeImageToStream (image, stream); });
 }
+/** What is played, beside the recording. */
+struct Performance
+{
+    explicit Performance (const Options& options) : settings (startingSettings (options))
+    {
+        if (options.automation != juce::File())
+            changes = readAutomation (options.automation);
+
+        if (options.midi != juce::File())
+            messages = readMidi (options.midi);
+
+        applyRanges (changes, settings);
+    }
+
+    std::vector<Setting> settings; // from the first sample on
+    std::vector<TimedSetting> changes;
+    std::vector<TimedMessage> messages;
+};
+
+RenderResult play (const Options& options, Recording& in, ModuleBank& modules, const Performance& performance,
+                   RecordingOutput& out, ShiftTrace* trace)
+{
+    Progress progress (! options.quiet && ! options.isWorker);
+    const auto observe = [&] (const Block& block)
+    {
+        progress.show (block.start, in.lengthInSamples);
+
+        if (trace != nullptr)
+            trace->play (block);
+    };
+    const auto result = renderRecording (in, modules, { performance.changes, performance.messages, in.sampleRate },
+                                         options.blockSize, out, observe);
+    out.finish();
+    return result;
+}
 } // namespace
 
 void renderFile (const Options& asked, Task task)
@@ -151,47 +186,33 @@ void renderFile (const Options& asked, Task task)
         readPipe (piped.emplace ("IN", fileForPipe()));
 
     Recording in (piped ? piped->getTemporaryFile() : task.input, pathOr ("the standard input", task.input));
-    auto changes =
-        options.automation == juce::File() ? std::vector<TimedSetting>() : readAutomation (options.automation);
-    auto messages = options.midi == juce::File() ? std::vector<TimedMessage>() : readMidi (options.midi);
-    auto settings = startingSettings (options);
-    applyRanges (changes, settings);
-
+    Performance performance (options);
+    const auto& settings = performance.settings;
     ModuleBank modules (findModule (options.module), static_cast<int> (in.numChannels), in.getChannelMap(),
                         options.channels);
     modules.prepare (in.sampleRate, options.blockSize, settings);
 
     if (options.alignSound)
-        alignToSound (changes, messages, modules.getLatency() / in.sampleRate, playsVoices (settings));
+        alignToSound (performance.changes, performance.messages, modules.getLatency() / in.sampleRate,
+                      playsVoices (settings));
 
     if (options.verbose)
         tellSettings (options, settings);
 
-    std::optional<ShiftTrace> trace;
-
-    if (options.plot != juce::File())
-    {
-        trace.emplace (in.sampleRate, settings);
-        plot.emplace ("--plot", options.plot);
-    }
-
     if (options.savedState != juce::File())
         writeState (state.emplace ("--save-state", options.savedState), modules);
 
+    std::optional<ShiftTrace> trace;
+
+    if (options.plot != juce::File())
+        trace.emplace (in.sampleRate, settings);
+
     RecordingOutput out (task.output, kind, bits, in);
-    Progress progress (! options.quiet && ! options.isWorker);
-    const auto result = renderRecording (in, modules, { changes, messages, in.sampleRate }, options.blockSize, out,
-                                         [&] (const Block& block)
-                                         {
-                                             progress.show (block.start, in.lengthInSamples);
+    const auto result = play (options, in, modules, performance, out, trace ? &*trace : nullptr);
 
-                                             if (trace)
-                                                 trace->play (block);
-                                         });
-    out.finish();
-
-    if (plot)
-        drawPlot (task, *plot, *trace, in, out.getTemporaryFile(), modules.getLatency());
+    if (trace)
+        drawPlot (task, plot.emplace ("--plot", options.plot), *trace, in, out.getTemporaryFile(),
+                  modules.getLatency());
 
     if (interrupted())
         throw Interrupted();
