@@ -56,12 +56,28 @@ void ReadStretched (const float* input, const float* ratios, const float* window
         });
 }
 
-void MeasureBins (const AnalysisBins& given)
+/** The bins above the active ones: phasors at rest, phases to start afresh. */
+void restUpperBins (const AnalysisBins& bins)
 {
-    const auto bins = given; // a copy, which no store into a buffer can change: it stays in registers
+    for (std::size_t c = 0; c < bins.channelCount; ++c)
+    {
+        for (auto* phasors : { bins.channels[c].advance, bins.channels[c].lastPhasor })
+        {
+            std::fill (phasors + bins.activeBins, phasors + bins.binCount, 1.0f);
+            std::fill (phasors + bins.binCount + bins.activeBins, phasors + 2 * bins.binCount, 0.0f);
+        }
+    }
 
-    forEachVector (0, bins.activeBins,
-                   [bins] (auto d, std::size_t k) HWY_ATTR
+    std::fill (bins.lockCount + bins.activeBins, bins.lockCount + bins.binCount, 0.0f);
+}
+
+/** Magnitudes and their sums of the bins of one word; which of them are stable comes back, a bit a bin. */
+HWY_INLINE std::uint64_t measureWord (const AnalysisBins& bins, std::size_t start, std::size_t end)
+{
+    std::uint64_t stable = 0;
+
+    forEachVector (start, end,
+                   [&] (auto d, std::size_t k) HWY_ATTR
                    {
                        auto sum = hn::Zero (d);
 
@@ -76,45 +92,50 @@ void MeasureBins (const AnalysisBins& given)
 
                        const auto previous = hn::LoadU (d, bins.sum + k);
                        const auto rise = hn::Div (sum, hn::Add (previous, hn::Set (d, denormalGuard)));
-                       const auto stable = hn::And (hn::Ge (previous, hn::Set (d, onsetFloor)),
+                       const auto steady = hn::And (hn::Ge (previous, hn::Set (d, onsetFloor)),
                                                     hn::Le (rise, hn::LoadU (d, bins.onsetThreshold + k)));
-                       const auto count = hn::Add (hn::LoadU (d, bins.lockCount + k), hn::Set (d, 1.0f));
-                       hn::StoreU (hn::IfThenElseZero (stable, count), d, bins.lockCount + k);
+                       stable |= bitsOf (d, steady) << (k - start);
                        hn::StoreU (sum, d, bins.sum + k);
                    });
+
+    return stable;
 }
 
-std::size_t NextResetPeak (const float* lockCount, const float* sum, std::size_t bin, std::size_t end)
+void MeasureBins (const AnalysisBins& given, BinMasks& masks)
 {
-    const hn::CappedTag<float, 16> d;
+    const auto bins = given; // a copy, which no store into a buffer can change: it stays in registers
+    constexpr auto wordBits = BinMasks::wordBits;
 
-    for (; bin + hn::Lanes (d) <= end; bin += hn::Lanes (d))
+    for (std::size_t start = 0; start < bins.activeBins; start += wordBits)
+        masks.resets[start / wordBits] = ~measureWord (bins, start, std::min (start + wordBits, bins.activeBins));
+
+    for (std::size_t start = 0; start < bins.activeBins; start += wordBits)
     {
-        const auto here = hn::LoadU (d, sum + bin);
-        const auto peak = hn::And (
-            hn::Eq (hn::LoadU (d, lockCount + bin), hn::Zero (d)),
-            hn::And (hn::Gt (here, hn::LoadU (d, sum + bin - 1)), hn::Gt (here, hn::LoadU (d, sum + bin + 1))));
+        std::uint64_t rises = 0, falls = 0;
 
-        if (const auto first = hn::FindFirstTrue (d, peak); first >= 0)
-            return bin + static_cast<std::size_t> (first);
+        forEachVector (std::max<std::size_t> (start, 1), std::min (start + wordBits, bins.activeBins),
+                       [&] (auto d, std::size_t k) HWY_ATTR
+                       {
+                           const auto here = hn::LoadU (d, bins.sum + k), below = hn::LoadU (d, bins.sum + k - 1);
+                           rises |= bitsOf (d, hn::Gt (here, below)) << (k - start);
+                           falls |= bitsOf (d, hn::Lt (here, below)) << (k - start);
+                       });
+
+        masks.rises[start / wordBits] = rises;
+        masks.falls[start / wordBits] = falls;
     }
-
-    while (bin < end && ! (lockCount[bin] == 0.0f && sum[bin] > sum[bin - 1] && sum[bin] > sum[bin + 1]))
-        ++bin;
-
-    return bin;
 }
 
-void AdvancePhases (const AnalysisBins& given)
+void AdvancePhases (const AnalysisBins& given, const std::uint64_t* resets)
 {
     const auto bins = given;
 
     forEachVector (0, bins.activeBins,
-                   [bins] (auto d, std::size_t k) HWY_ATTR
+                   [=] (auto d, std::size_t k) HWY_ATTR
                    {
-                       auto count = hn::LoadU (d, bins.lockCount + k);
-                       const auto reset = hn::Eq (count, hn::Zero (d));
+                       const auto reset = maskAt (d, resets, k);
                        const auto one = hn::Set (d, 1.0f);
+                       auto count = hn::IfThenZeroElse (reset, hn::Add (hn::LoadU (d, bins.lockCount + k), one));
 
                        for (std::size_t c = 0; c < bins.channelCount; ++c)
                        {
@@ -140,16 +161,7 @@ void AdvancePhases (const AnalysisBins& given)
                        hn::StoreU (count, d, bins.lockCount + k);
                    });
 
-    for (std::size_t c = 0; c < bins.channelCount; ++c)
-    {
-        for (auto* phasors : { bins.channels[c].advance, bins.channels[c].lastPhasor })
-        {
-            std::fill (phasors + bins.activeBins, phasors + bins.binCount, 1.0f);
-            std::fill (phasors + bins.binCount + bins.activeBins, phasors + 2 * bins.binCount, 0.0f);
-        }
-    }
-
-    std::fill (bins.lockCount + bins.activeBins, bins.lockCount + bins.binCount, 0.0f);
+    restUpperBins (bins);
 }
 } // namespace
 // NOLINTNEXTLINE(google-readability-namespace-comments)
@@ -163,7 +175,6 @@ namespace tarvelline
 HWY_EXPORT (ReadStraight);
 HWY_EXPORT (ReadStretched);
 HWY_EXPORT (MeasureBins);
-HWY_EXPORT (NextResetPeak);
 HWY_EXPORT (AdvancePhases);
 
 namespace kernels
@@ -179,14 +190,15 @@ void readStretched (const float* input, const float* ratios, const float* window
     HWY_DYNAMIC_DISPATCH (ReadStretched) (input, ratios, window, frame, length);
 }
 
-void measureBins (const AnalysisBins& bins) noexcept { HWY_DYNAMIC_DISPATCH (MeasureBins) (bins); }
-
-std::size_t nextResetPeak (const float* lockCount, const float* sum, std::size_t bin, std::size_t end) noexcept
+void measureBins (const AnalysisBins& bins, BinMasks& masks) noexcept
 {
-    return HWY_DYNAMIC_DISPATCH (NextResetPeak) (lockCount, sum, bin, end);
+    HWY_DYNAMIC_DISPATCH (MeasureBins) (bins, masks);
 }
 
-void advancePhases (const AnalysisBins& bins) noexcept { HWY_DYNAMIC_DISPATCH (AdvancePhases) (bins); }
+void advancePhases (const AnalysisBins& bins, const std::vector<std::uint64_t>& resets) noexcept
+{
+    HWY_DYNAMIC_DISPATCH (AdvancePhases) (bins, resets.data());
+}
 } // namespace kernels
 } // namespace tarvelline
 #endif

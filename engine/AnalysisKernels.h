@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/PeakResets.h"
+
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <vector>
 
 namespace tarvelline
 {
@@ -35,15 +39,13 @@ void readStraight (const float* input, const float* window, float* frame, std::s
 void readStretched (const float* input, const float* ratios, const float* window, float* frame,
                     std::size_t length) noexcept;
 
-/** Magnitudes, their sum over channels, and the count of frames for which each bin has not risen. */
-void measureBins (const AnalysisBins&) noexcept;
+/** Magnitudes, their sum over channels, which bins are reset because they rose, and what the sums do from bin to bin. */
+void measureBins (const AnalysisBins&, BinMasks&) noexcept;
 
-/** The first bin from `bin` up to `end` that is reset and louder than both neighbours; `end` if there is none. */
-std::size_t nextResetPeak (const float* lockCount, const float* sum, std::size_t bin, std::size_t end) noexcept;
-
-/** Unit phasors, and how far each has turned since the last frame where the bin is not reset. Bins above the active ones
-    end at rest. A count of `renormaliseAdvanceAt` starts again at 1. */
-void advancePhases (const AnalysisBins&) noexcept;
+/** Counts the frames for which each bin has not been reset, and makes unit phasors, and how far each has turned since the
+    last frame where its bin is not reset. Bins above the active ones end at rest. A count of `renormaliseAdvanceAt` starts
+    again at 1. */
+void advancePhases (const AnalysisBins&, const std::vector<std::uint64_t>& resets) noexcept;
 
 /** The spectral envelope of one or two channels, and where it is to go. */
 struct EnvelopeWarp

@@ -13,6 +13,7 @@
     #include <hwy/highway.h>
 
     #include <cstdint>
+    #include <cstring>
 
 HWY_BEFORE_NAMESPACE();
 namespace tarvelline
@@ -48,6 +49,25 @@ HWY_INLINE Complex<V> normalisedWhere (D d, M due, const Complex<V>& z)
 
     const auto scale = hn::Div (hn::Set (d, 1.0f), hn::Add (magnitudeOf (d, z), hn::Set (d, denormalGuard)));
     return choose (due, Complex<V> { hn::Mul (z.re, scale), hn::Mul (z.im, scale) }, z);
+}
+
+/** The mask's bits, that of the lowest lane first. */
+template <class D, class M>
+HWY_INLINE std::uint64_t bitsOf (D d, M mask)
+{
+    std::uint8_t bytes[8] {};
+    hn::StoreMaskBits (d, mask, bytes);
+    return bytes[0] | std::uint64_t { bytes[1] } << 8; // 16 lanes at most
+}
+
+/** The mask of elements from k on, out of words that hold a bit an element. They do not reach into the next word. */
+template <class D>
+HWY_INLINE hn::Mask<D> maskAt (D d, const std::uint64_t* words, std::size_t k)
+{
+    const auto bits = words[k / 64] >> (k % 64);
+    std::uint8_t bytes[8] {};
+    std::memcpy (bytes, &bits, sizeof (bits));
+    return hn::LoadMaskBits (d, bytes);
 }
 
 /** j, j + 1, ... By way of the signed type, for which machines have an instruction. */

@@ -4,6 +4,7 @@
 #include "engine/AlignedVector.h"
 #include "engine/EngineTables.h"
 #include "engine/HartleyTransform.h"
+#include "engine/PeakResets.h"
 
 #include <array>
 #include <cstddef>
@@ -18,7 +19,8 @@ struct EngineResources
 {
     /** The parameters are those of EngineTables. Allocates. */
     EngineResources (int frameLength, float frequencyScale, float sampleRate)
-        : tables (frameLength, frequencyScale, sampleRate), transform (frameLength)
+        : tables (frameLength, frequencyScale, sampleRate), transform (frameLength),
+          masks (static_cast<std::size_t> (frameLength) / 2)
     {
         const auto length = static_cast<std::size_t> (frameLength);
 
@@ -35,6 +37,7 @@ struct EngineResources
     // A frame a channel: N values, one more to interpolate into (always 0) and readAhead. The low one serves the analysis too.
     std::array<AlignedVector<float>, 2> low, high;
 
+    BinMasks masks;
     AlignedVector<float> envelopes; // N + 2: of both channels, while the envelope is moved
 };
 } // namespace tarvelline

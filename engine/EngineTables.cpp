@@ -71,7 +71,7 @@ void EngineTables::buildWindows (int frameLength)
 
 void EngineTables::buildOnsetThresholds (int binCount, float binsPerHz, float frequencyScale)
 {
-    peakStartBin = std::trunc (binsPerHz * frequencyScale * fullPeakTestHz);
+    peakStartBin = static_cast<int> (binsPerHz * frequencyScale * fullPeakTestHz);
 
     const auto fallingBins = std::min (static_cast<int> (binsPerHz * (onsetUpperHz * frequencyScale)), binCount - 1);
     onsetThreshold.assign (static_cast<std::size_t> (binCount), onsetThresholdHigh);

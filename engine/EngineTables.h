@@ -25,7 +25,7 @@ struct EngineTables
     AlignedVector<float> onsetThreshold; // rise of a bin's magnitude from frame to frame that counts as an onset
     AlignedVector<float> lowBandWeight;  // share of a bin that is heard through the wide window, 1 .. 0
     AlignedVector<float> envelopeCoeff;  // one-pole smoothing of the spectral envelope along the bins
-    float peakStartBin = 0.0f;           // first bin of the full peak test
+    int peakStartBin = 0;                // first bin of the full peak test
 
 private:
     void buildWindows (int frameLength);

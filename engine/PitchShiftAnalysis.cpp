@@ -12,9 +12,10 @@ void PitchShiftEngine::analyseFrame() noexcept
         resources->transform.forward (resources->low[static_cast<std::size_t> (c)].data());
 
     const auto bins = analysisBins();
-    kernels::measureBins (bins); // one lock count for all channels: they reset together and the stereo image holds
-    spreadResetsOverPeaks();
-    kernels::advancePhases (bins);
+    auto& masks = resources->masks; // of all channels: they reset together and the stereo image holds
+    kernels::measureBins (bins, masks);
+    spreadResetsOverPeaks (masks, bins.activeBins, static_cast<std::size_t> (resources->tables.peakStartBin));
+    kernels::advancePhases (bins, masks.resets);
 
     if (formantRatio != 1.0f)
         warpEnvelope();
@@ -55,54 +56,6 @@ kernels::AnalysisBins PitchShiftEngine::analysisBins() noexcept
              .onsetThreshold = resources->tables.onsetThreshold.data(),
              .sum = magnitudeSum.data(),
              .lockCount = lockCount.data() };
-}
-
-void PitchShiftEngine::spreadResetsOverPeaks() noexcept
-{
-    const auto* sum = magnitudeSum.data();
-    const auto* locks = lockCount.data();
-    const auto lowestBin = resources->tables.peakStartBin;
-
-    for (int k = 2; static_cast<float> (k) < lowestBin;)
-    {
-        const auto onsetOnPeak = locks[k] == 0.0f && sum[k - 1] < sum[k] && sum[k - 1] > sum[k - 2]
-                                 && sum[k + 1] < sum[k] && sum[k + 1] > sum[k + 2];
-        k = onsetOnPeak ? resetUpwards (k) : k + 1;
-    }
-
-    const auto nextPeak = [=, end = activeBins - 2] (int bin)
-    {
-        return bin < end ? static_cast<int> (
-                   kernels::nextResetPeak (locks, sum, static_cast<std::size_t> (bin), static_cast<std::size_t> (end)))
-                         : end;
-    };
-
-    for (auto k = nextPeak (static_cast<int> (lowestBin)); k < activeBins - 2; k = nextPeak (resetUpwards (k)))
-        resetDownwards (k, lowestBin);
-}
-
-/** Resets the bins above a peak as far as they fall. Returns the bin where that ends: it is the next one to be examined. */
-int PitchShiftEngine::resetUpwards (int bin) noexcept
-{
-    auto j = static_cast<std::size_t> (bin) + 1;
-
-    for (; static_cast<int> (j) < activeBins - 1 && magnitudeSum[j - 1] > magnitudeSum[j]; ++j)
-        lockCount[j] = 0.0f;
-
-    return static_cast<int> (j);
-}
-
-void PitchShiftEngine::resetDownwards (int bin, float lowestBin) noexcept
-{
-    for (int j = bin - 1; static_cast<float> (j) >= lowestBin; --j)
-    {
-        const auto k = static_cast<std::size_t> (j);
-
-        if (magnitudeSum[k + 1] <= magnitudeSum[k])
-            return;
-
-        lockCount[k] = 0.0f;
-    }
 }
 
 void PitchShiftEngine::warpEnvelope() noexcept

@@ -99,9 +99,6 @@ private:
     // Analysis frame (PitchShiftAnalysis.cpp)
     void analyseFrame() noexcept;
     void readWindowedInput() noexcept;
-    void spreadResetsOverPeaks() noexcept;
-    int resetUpwards (int bin) noexcept;
-    void resetDownwards (int bin, float lowestBin) noexcept;
     void warpEnvelope() noexcept;
     kernels::AnalysisBins analysisBins() noexcept;
 
