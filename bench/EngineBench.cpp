@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The transform alone, and one stereo engine over pitch ratios.
 #include "bench/BenchSupport.h"
-#include "engine/HartleyTransform.h"
+#include "engine/transform/HartleyTransform.h"
 #include "engine/PitchShiftEngine.h"
 
 #include <algorithm>

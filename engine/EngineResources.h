@@ -3,8 +3,8 @@
 
 #include "engine/AlignedVector.h"
 #include "engine/EngineTables.h"
-#include "engine/HartleyTransform.h"
 #include "engine/PeakResets.h"
+#include "engine/transform/HartleyTransform.h"
 
 #include <array>
 #include <cstddef>

@@ -88,8 +88,9 @@ void EngineTables::buildLowBandWeights (int binCount, float binsPerHz)
     const auto step = std::numbers::pi_v<float> / static_cast<float> (std::max (endBin - fullBins, 1));
 
     lowBandWeight = zeros (binCount);
+    lowBandEnd = std::min (endBin, binCount);
 
-    for (int k = 0; k < std::min (endBin, binCount); ++k)
+    for (int k = 0; k < lowBandEnd; ++k)
         lowBandWeight[static_cast<std::size_t> (k)] =
             k < fullBins ? 1.0f : (std::cos (static_cast<float> (k - fullBins) * step) + 1.0f) * 0.5f;
 }

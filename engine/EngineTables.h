@@ -24,6 +24,7 @@ struct EngineTables
     int narrowStart = 0, narrowEnd = 0;  // the entries between which it is not 0
     AlignedVector<float> onsetThreshold; // rise of a bin's magnitude from frame to frame that counts as an onset
     AlignedVector<float> lowBandWeight;  // share of a bin that is heard through the wide window, 1 .. 0
+    int lowBandEnd = 0;                  // from this bin on it is 0
     AlignedVector<float> envelopeCoeff;  // one-pole smoothing of the spectral envelope along the bins
     int peakStartBin = 0;                // first bin of the full peak test
 

@@ -3,6 +3,8 @@
 #include "engine/PitchShiftEngine.h"
 #include "engine/SynthesisKernels.h"
 
+#include <algorithm>
+
 namespace tarvelline
 {
 void PitchShiftEngine::synthesiseFrame() noexcept
@@ -10,8 +12,8 @@ void PitchShiftEngine::synthesiseFrame() noexcept
     for (std::size_t c = 0; c < static_cast<std::size_t> (channelCount); ++c)
     {
         turnPhasors (c);
-        resources->transform.inverse (resources->low[c].data());
-        resources->transform.inverse (resources->high[c].data());
+        resources->transform.inverse (resources->low[c].data(), std::min (resources->tables.lowBandEnd, activeBins));
+        resources->transform.inverse (resources->high[c].data(), activeBins);
         overlapAdd (c);
     }
 }
@@ -30,6 +32,7 @@ void PitchShiftEngine::turnPhasors (std::size_t c) noexcept
                             .high = resources->high[c].data(),
                             .binCount = static_cast<std::size_t> (binCount),
                             .activeBins = static_cast<std::size_t> (activeBins),
+                            .lowBins = static_cast<std::size_t> (std::min (resources->tables.lowBandEnd, activeBins)),
                             .gain = outputGain });
 }
 

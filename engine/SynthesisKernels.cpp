@@ -20,38 +20,41 @@ using namespace kernels;
 
 namespace
 {
+/** Turns the phasors of the vector at bin k, and gives each band its share of them. */
+template <bool inBothBands, class D>
+HWY_INLINE void turnPhasorsAt (D d, const SynthesisBins& bins, std::size_t k)
+{
+    const auto half = bins.binCount;
+    const auto running = pairs (bins.phasor, half);
+    const auto count = hn::LoadU (d, bins.lockCount + k);
+    const Complex advance { hn::LoadU (d, bins.advance + k), hn::LoadU (d, bins.advance + half + k) };
+    auto phasor = choose (hn::Eq (count, hn::Zero (d)), advance, load (d, running, k) * advance);
+    phasor = normalisedWhere (d, hn::Eq (count, hn::Set (d, static_cast<float> (renormaliseSynthesisAt))), phasor);
+    store (d, phasor, running, k);
+
+    const auto storeBand = [&] (auto gain, float* band) HWY_ATTR {
+        store (d, Complex { hn::Mul (phasor.re, gain), hn::Mul (phasor.im, gain) }, pairs (band, half), k);
+    };
+    const auto gain = hn::Mul (hn::Set (d, bins.gain), hn::LoadU (d, bins.magnitude + k));
+
+    if constexpr (inBothBands)
+    {
+        const auto lowGain = hn::Mul (gain, hn::LoadU (d, bins.lowBandWeight + k));
+        storeBand (lowGain, bins.low);
+        storeBand (hn::Sub (gain, lowGain), bins.high);
+    }
+    else
+    {
+        storeBand (gain, bins.high);
+    }
+}
+
 void TurnPhasors (const SynthesisBins& given)
 {
     const auto bins = given; // a copy, which no store into a buffer can change: it stays in registers
-    const auto half = bins.binCount;
-    auto* phasors = bins.phasor;
-
-    forEachVector (
-        0, bins.activeBins,
-        [=] (auto d, std::size_t k) HWY_ATTR
-        {
-            const auto count = hn::LoadU (d, bins.lockCount + k);
-            const Complex advance { hn::LoadU (d, bins.advance + k), hn::LoadU (d, bins.advance + half + k) };
-            auto phasor = load (d, pairs (phasors, half), k) * advance;
-            phasor = choose (hn::Eq (count, hn::Zero (d)), advance, phasor);
-            phasor =
-                normalisedWhere (d, hn::Eq (count, hn::Set (d, static_cast<float> (renormaliseSynthesisAt))), phasor);
-            store (d, phasor, pairs (phasors, half), k);
-
-            const auto gain = hn::Mul (hn::Set (d, bins.gain), hn::LoadU (d, bins.magnitude + k));
-            const auto lowGain = hn::Mul (gain, hn::LoadU (d, bins.lowBandWeight + k));
-            const auto highGain = hn::Sub (gain, lowGain);
-            store (d, Complex { hn::Mul (phasor.re, lowGain), hn::Mul (phasor.im, lowGain) }, pairs (bins.low, half),
-                   k);
-            store (d, Complex { hn::Mul (phasor.re, highGain), hn::Mul (phasor.im, highGain) }, pairs (bins.high, half),
-                   k);
-        });
-
-    for (auto* spectrum : { bins.low, bins.high })
-    {
-        std::fill (spectrum + bins.activeBins, spectrum + half, 0.0f);
-        std::fill (spectrum + half + bins.activeBins, spectrum + 2 * half, 0.0f);
-    }
+    forEachVector (0, bins.lowBins, [=] (auto d, std::size_t k) HWY_ATTR { turnPhasorsAt<true> (d, bins, k); });
+    forEachVector (bins.lowBins, bins.activeBins,
+                   [=] (auto d, std::size_t k) HWY_ATTR { turnPhasorsAt<false> (d, bins, k); });
 }
 
 /** Calls run (from, end, offset, adds, narrow), output sample j going to ring[j + offset], for the stretches of the output between the ring's end, the end of the

@@ -14,8 +14,9 @@ struct SynthesisBins
     const float *magnitude, *advance;
     const float *lockCount, *lowBandWeight;
     float* phasor;
-    float *low, *high; // spectra of the two bands
+    float *low, *high; // spectra of the two bands: nothing is written beyond their bins
     std::size_t binCount, activeBins;
+    std::size_t lowBins; // of the active ones those of the low band
     float gain;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/render/Spectrogram.h"
 
-#include "engine/HartleyTransform.h"
+#include "engine/transform/HartleyTransform.h"
 
 #include <algorithm>
 #include <cmath>
