@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/EngineTables.h"
 #include "engine/PeakResets.h"
 
 #include <array>
@@ -50,13 +51,12 @@ void advancePhases (const AnalysisBins&, const std::vector<std::uint64_t>& reset
 /** The spectral envelope of one or two channels, and where it is to go. */
 struct EnvelopeWarp
 {
+    const EnvelopeSegments* segments; // of the smoother that makes the envelope
     std::array<const float*, 2> magnitudes;
-    std::array<float*, 2> shaped; // the magnitudes with their envelope moved
-    std::size_t channelCount;     // 1 or 2
-    std::size_t binCount;
-    const float* coefficients; // of the smoother that makes the envelope
-    float ratio;               // frequency of the envelope in / out
-    float* envelopes;          // scratch: 2 K + 2
+    std::array<float*, 2> shaped;          // the magnitudes with their envelope moved
+    std::size_t channelCount;              // 1 or 2
+    float ratio;                           // frequency of the envelope in / out
+    std::array<float*, 2> rows, envelopes; // scratch: K, and K + 1 with readAhead
 };
 
 void warpEnvelope (const EnvelopeWarp&) noexcept;

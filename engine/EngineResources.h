@@ -28,7 +28,11 @@ struct EngineResources
             for (auto& frame : *band)
                 frame.resize (length + 1 + readAhead);
 
-        envelopes.resize (length + 2);
+        for (auto& row : envelopeRows)
+            row.resize (length / 2);
+
+        for (auto& envelope : envelopes)
+            envelope.resize (length / 2 + 1 + readAhead);
     }
 
     const EngineTables tables;
@@ -38,6 +42,7 @@ struct EngineResources
     std::array<AlignedVector<float>, 2> low, high;
 
     BinMasks masks;
-    AlignedVector<float> envelopes; // N + 2: of both channels, while the envelope is moved
+    // While the envelope is moved, a channel each: K values in the order of EnvelopeSegments; K in their own, one more and readAhead.
+    std::array<AlignedVector<float>, 2> envelopeRows, envelopes;
 };
 } // namespace tarvelline

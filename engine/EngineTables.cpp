@@ -20,6 +20,7 @@ constexpr float lowBandEndHz = 800.0f;    // from here on: only the narrow one
 constexpr int narrowWindowDivisor = 4;    // the narrow window covers this part of the frame
 constexpr float envelopeStart = 0.2f;     // smoothing exponents of the lowest and, added, of the highest bin
 constexpr float envelopeRise = 0.65f;
+constexpr float smallestShare = 1.0e-20f; // of an envelope's state: less is 0, and no product of it a denormal
 
 AlignedVector<float> zeros (int count) { return AlignedVector<float> (static_cast<std::size_t> (count), 0.0f); }
 
@@ -42,7 +43,7 @@ EngineTables::EngineTables (int frameLength, float frequencyScale, float sampleR
     buildWindows (frameLength);
     buildOnsetThresholds (binCount, binsPerHz, frequencyScale);
     buildLowBandWeights (binCount, binsPerHz);
-    buildEnvelopeCoefficients (binCount);
+    buildEnvelopeSegments (binCount);
 }
 
 void EngineTables::buildWindows (int frameLength)
@@ -95,12 +96,36 @@ void EngineTables::buildLowBandWeights (int binCount, float binsPerHz)
             k < fullBins ? 1.0f : (std::cos (static_cast<float> (k - fullBins) * step) + 1.0f) * 0.5f;
 }
 
-void EngineTables::buildEnvelopeCoefficients (int binCount)
+void EngineTables::buildEnvelopeSegments (int binCount)
 {
-    envelopeCoeff.reserve (static_cast<std::size_t> (binCount));
+    constexpr auto segments = EnvelopeSegments::count;
+    envelope.steps = static_cast<std::size_t> (binCount) / segments;
     auto exponent = envelopeStart;
 
-    for (int k = 0; k < binCount; ++k, exponent += envelopeRise / static_cast<float> (binCount))
-        envelopeCoeff.push_back (std::exp (-std::numbers::pi_v<float> / 2.0f * exponent));
+    for (auto* row : { &envelope.coefficients, &envelope.upwards, &envelope.downwards })
+        *row = zeros (binCount);
+
+    for (std::size_t segment = 0; segment < segments; ++segment)
+    {
+        const auto fill = [segment] (auto& row, std::size_t step, float before, float factor)
+        {
+            const auto product = before * factor;
+            row[step * segments + segment] = product < smallestShare ? 0.0f : product;
+            return product;
+        };
+        auto share = 1.0f;
+
+        for (std::size_t i = 0; i < envelope.steps; ++i, exponent += envelopeRise / static_cast<float> (binCount))
+        {
+            const auto coefficient = std::exp (-std::numbers::pi_v<float> / 2.0f * exponent);
+            envelope.coefficients[i * segments + segment] = coefficient;
+            share = fill (envelope.upwards, i, share, coefficient);
+        }
+
+        share = 1.0f;
+
+        for (auto i = envelope.steps; i-- > 0;)
+            share = fill (envelope.downwards, i, share, envelope.coefficients[i * segments + segment]);
+    }
 }
 } // namespace tarvelline

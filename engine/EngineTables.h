@@ -3,8 +3,21 @@
 
 #include "engine/AlignedVector.h"
 
+#include <cstddef>
+
 namespace tarvelline
 {
+/** The one-pole smoother that makes the spectral envelope out of magnitudes. Each of its steps waits for the one before, so
+    the bins are cut into segments that are smoothed side by side: bin k = segment * steps + i stands at i * count + segment. */
+struct EnvelopeSegments
+{
+    static constexpr std::size_t count = 16;
+
+    std::size_t steps = 0;                   // bins of a segment, a multiple of 4
+    AlignedVector<float> coefficients;       // of each bin
+    AlignedVector<float> upwards, downwards; // share of a segment's first, or last, state that arrives at each bin
+};
+
 /** The constant tables of one engine: they depend on the frame length and the sample rate alone.
 
     Shapes: N = frame length, K = N / 2 bins; windows have N + 1 entries (the last one 0, read only by a window index that
@@ -25,13 +38,13 @@ struct EngineTables
     AlignedVector<float> onsetThreshold; // rise of a bin's magnitude from frame to frame that counts as an onset
     AlignedVector<float> lowBandWeight;  // share of a bin that is heard through the wide window, 1 .. 0
     int lowBandEnd = 0;                  // from this bin on it is 0
-    AlignedVector<float> envelopeCoeff;  // one-pole smoothing of the spectral envelope along the bins
-    int peakStartBin = 0;                // first bin of the full peak test
+    EnvelopeSegments envelope;
+    int peakStartBin = 0; // first bin of the full peak test
 
 private:
     void buildWindows (int frameLength);
     void buildOnsetThresholds (int binCount, float binsPerHz, float frequencyScale);
     void buildLowBandWeights (int binCount, float binsPerHz);
-    void buildEnvelopeCoefficients (int binCount);
+    void buildEnvelopeSegments (int binCount);
 };
 } // namespace tarvelline

@@ -62,12 +62,14 @@ void PitchShiftEngine::warpEnvelope() noexcept
 {
     auto &left = channelState[0], &right = channelState[1];
 
-    kernels::warpEnvelope ({ .magnitudes = { left.magnitude.data(), right.magnitude.data() },
+    auto &rows = resources->envelopeRows, &envelopes = resources->envelopes;
+
+    kernels::warpEnvelope ({ .segments = &resources->tables.envelope,
+                             .magnitudes = { left.magnitude.data(), right.magnitude.data() },
                              .shaped = { left.shapedMagnitude.data(), right.shapedMagnitude.data() },
                              .channelCount = static_cast<std::size_t> (channelCount),
-                             .binCount = static_cast<std::size_t> (binCount),
-                             .coefficients = resources->tables.envelopeCoeff.data(),
                              .ratio = formantRatio,
-                             .envelopes = resources->envelopes.data() });
+                             .rows = { rows[0].data(), rows[1].data() },
+                             .envelopes = { envelopes[0].data(), envelopes[1].data() } });
 }
 } // namespace tarvelline
