@@ -31,29 +31,39 @@ HWY_INLINE hn::Vec<D> alternatingGuard (D d, std::size_t j)
     return hn::Or (hn::Set (d, denormalGuard), hn::BitCast (d, sign));
 }
 
-void ReadStraight (const float* input, const float* window, float* frame, std::size_t length)
+void ReadStraight (const WindowedRead& given)
 {
-    forEachVector (0, length,
-                   [=] (auto d, std::size_t j) HWY_ATTR
-                   {
-                       const auto sample = hn::Mul (hn::LoadU (d, input + j), hn::LoadU (d, window + j));
-                       hn::StoreU (hn::Add (sample, alternatingGuard (d, j)), d, frame + j);
-                   });
+    const auto job = given; // a copy, which no store into a buffer can change: it stays in registers
+
+    for (std::size_t c = 0; c < job.channelCount; ++c)
+        forEachVector (0, job.length,
+                       [=] (auto d, std::size_t j) HWY_ATTR
+                       {
+                           const auto sample =
+                               hn::Mul (hn::LoadU (d, job.inputs[c] + j), hn::LoadU (d, job.window + j));
+                           hn::StoreU (hn::Add (sample, alternatingGuard (d, j)), d, job.frames[c] + j);
+                       });
 }
 
-void ReadStretched (const float* input, const float* ratios, const float* window, float* frame, std::size_t length)
+void ReadStretched (const WindowedRead& given)
 {
-    const auto limit = static_cast<float> (length);
+    const auto job = given;
+    const auto limit = static_cast<float> (job.length);
 
-    forEachVector (
-        0, length,
-        [=] (auto d, std::size_t j) HWY_ATTR
-        {
-            const auto position = positionOf (d, j, ratios);
-            const auto inside = hn::Lt (position, hn::Set (d, limit));
-            const auto sample = hn::Mul (interpolated (d, input, position, limit), hn::LoadU (d, window + j));
-            hn::StoreU (hn::Add (hn::IfThenElseZero (inside, sample), alternatingGuard (d, j)), d, frame + j);
-        });
+    forEachVector (0, job.length,
+                   [=] (auto d, std::size_t j) HWY_ATTR
+                   {
+                       const auto position = positionOf (d, j, job.ratios);
+                       const auto inside = hn::Lt (position, hn::Set (d, limit));
+                       const Interpolator read (d, position, limit);
+
+                       for (std::size_t c = 0; c < job.channelCount; ++c)
+                       {
+                           const auto sample = hn::Mul (read (job.inputs[c]), hn::LoadU (d, job.window + j));
+                           hn::StoreU (hn::Add (hn::IfThenElseZero (inside, sample), alternatingGuard (d, j)), d,
+                                       job.frames[c] + j);
+                       }
+                   });
 }
 
 /** The bins above the active ones: phasors at rest, phases to start afresh. */
@@ -103,7 +113,7 @@ HWY_INLINE std::uint64_t measureWord (const AnalysisBins& bins, std::size_t star
 
 void MeasureBins (const AnalysisBins& given, BinMasks& masks)
 {
-    const auto bins = given; // a copy, which no store into a buffer can change: it stays in registers
+    const auto bins = given;
     constexpr auto wordBits = BinMasks::wordBits;
 
     for (std::size_t start = 0; start < bins.activeBins; start += wordBits)
@@ -179,16 +189,8 @@ HWY_EXPORT (AdvancePhases);
 
 namespace kernels
 {
-void readStraight (const float* input, const float* window, float* frame, std::size_t length) noexcept
-{
-    HWY_DYNAMIC_DISPATCH (ReadStraight) (input, window, frame, length);
-}
-
-void readStretched (const float* input, const float* ratios, const float* window, float* frame,
-                    std::size_t length) noexcept
-{
-    HWY_DYNAMIC_DISPATCH (ReadStretched) (input, ratios, window, frame, length);
-}
+void readStraight (const WindowedRead& job) noexcept { HWY_DYNAMIC_DISPATCH (ReadStraight) (job); }
+void readStretched (const WindowedRead& job) noexcept { HWY_DYNAMIC_DISPATCH (ReadStretched) (job); }
 
 void measureBins (const AnalysisBins& bins, BinMasks& masks) noexcept
 {

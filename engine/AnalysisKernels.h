@@ -32,13 +32,22 @@ struct AnalysisBins
     float* lockCount; // whole numbers, 0 = phase reset
 };
 
-/** frame[j] = input[j] * window[j], with a trace of alternating sign that keeps silence off zero. */
-void readStraight (const float* input, const float* window, float* frame, std::size_t length) noexcept;
+/** What a frame is made of. */
+struct WindowedRead
+{
+    std::array<const float*, 2> inputs; // N + 1 samples and readAhead
+    std::array<float*, 2> frames;
+    std::size_t channelCount; // 1 or 2
+    const float* window;
+    const float* ratios; // of each sample of the frame
+    std::size_t length;  // N
+};
 
-/** The same, reading between the samples: at j * ratios[j], nothing from `length` on. The input has length + 1 samples and
-    readAhead. */
-void readStretched (const float* input, const float* ratios, const float* window, float* frame,
-                    std::size_t length) noexcept;
+/** frame[j] = input[j] * window[j], with a trace of alternating sign that keeps silence off zero. */
+void readStraight (const WindowedRead&) noexcept;
+
+/** The same, reading between the samples: at j * ratios[j], nothing from N on. */
+void readStretched (const WindowedRead&) noexcept;
 
 /** Magnitudes, their sum over channels, which bins are reset because they rose, and what the sums do from bin to bin. */
 void measureBins (const AnalysisBins&, BinMasks&) noexcept;

@@ -195,12 +195,12 @@ void WarpEnvelope (const EnvelopeWarp& given)
                    {
                        const auto position = hn::Mul (countFrom (d, k), hn::Set (d, warp.ratio));
                        const auto inside = hn::Lt (position, hn::Set (d, top));
+                       const Interpolator read (d, position, top);
 
                        for (std::size_t c = 0; c < warp.channelCount; ++c)
                        {
                            const auto moved =
-                               hn::IfThenElse (inside, interpolated (d, warp.envelopes[c], position, top),
-                                               hn::Set (d, envelopeBeyondTop));
+                               hn::IfThenElse (inside, read (warp.envelopes[c]), hn::Set (d, envelopeBeyondTop));
                            const auto flattened =
                                hn::Div (hn::LoadU (d, warp.magnitudes[c] + k), hn::LoadU (d, warp.envelopes[c] + k));
                            hn::StoreU (hn::Mul (flattened, moved), d, warp.shaped[c] + k);

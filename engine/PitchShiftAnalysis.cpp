@@ -25,19 +25,19 @@ void PitchShiftEngine::analyseFrame() noexcept
 
 void PitchShiftEngine::readWindowedInput() noexcept
 {
-    const auto oldest = static_cast<std::size_t> (inPos), length = static_cast<std::size_t> (frameSize);
+    auto &left = channelState[0].inRing, &right = channelState[1].inRing;
+    auto& frames = resources->low;
+    const kernels::WindowedRead job { .inputs = { left.data() + position, right.data() + position },
+                                      .frames = { frames[0].data(), frames[1].data() },
+                                      .channelCount = static_cast<std::size_t> (channelCount),
+                                      .window = resources->tables.wideWindow.data(),
+                                      .ratios = ratioHistory.data() + position,
+                                      .length = static_cast<std::size_t> (frameSize) };
 
-    for (int c = 0; c < channelCount; ++c)
-    {
-        const auto* input = channelState[static_cast<std::size_t> (c)].inRing.data() + oldest;
-        auto* frame = resources->low[static_cast<std::size_t> (c)].data();
-
-        if (appliedRatio < 1.0f)
-            kernels::readStretched (input, ratioHistory.data() + oldest, resources->tables.wideWindow.data(), frame,
-                                    length);
-        else
-            kernels::readStraight (input, resources->tables.wideWindow.data(), frame, length);
-    }
+    if (appliedRatio < 1.0f)
+        kernels::readStretched (job);
+    else
+        kernels::readStraight (job);
 }
 
 kernels::AnalysisBins PitchShiftEngine::analysisBins() noexcept
@@ -52,7 +52,7 @@ kernels::AnalysisBins PitchShiftEngine::analysisBins() noexcept
     return { .channels = { buffers (0), buffers (1) },
              .channelCount = static_cast<std::size_t> (channelCount),
              .binCount = static_cast<std::size_t> (binCount),
-             .activeBins = static_cast<std::size_t> (activeBins),
+             .activeBins = static_cast<std::size_t> (geometry.activeBins),
              .onsetThreshold = resources->tables.onsetThreshold.data(),
              .sum = magnitudeSum.data(),
              .lockCount = lockCount.data() };

@@ -57,12 +57,60 @@ void TurnPhasors (const SynthesisBins& given)
                    [=] (auto d, std::size_t k) HWY_ATTR { turnPhasorsAt<false> (d, bins, k); });
 }
 
-/** Calls run (from, end, offset, adds, narrow), output sample j going to ring[j + offset], for the stretches of the output between the ring's end, the end of the
-    overlap and the two ends of the narrow window. */
-template <typename Run>
-HWY_INLINE void forEachRun (const OverlapAdd& job, const Run& run)
+/** Takes the frames' samples as they are. Of the low band those that would lie beyond the frame are left out. */
+template <class D>
+class StraightReader
 {
-    const auto wrap = 2 * job.length - job.ringStart; // the output sample that goes to the ring's first place
+public:
+    HWY_INLINE StraightReader (D, const OverlapAdd& job, std::size_t sample)
+        : inside (hn::Lt (positionOf (D(), sample, job.ratios), hn::Set (D(), static_cast<float> (job.length)))),
+          j (sample)
+    {
+    }
+
+    HWY_INLINE hn::Vec<D> low (const float* frame) const { return hn::IfThenElseZero (inside, high (frame)); }
+    HWY_INLINE hn::Vec<D> high (const float* frame) const { return hn::LoadU (D(), frame + j); }
+
+private:
+    hn::Mask<D> inside;
+    std::size_t j;
+};
+
+/** Reads the frames between their samples, at j times the ratio; beyond the frame there is nothing. */
+template <class D>
+class CompressedReader
+{
+public:
+    HWY_INLINE CompressedReader (D d, const OverlapAdd& job, std::size_t sample)
+        : CompressedReader (d, positionOf (d, sample, job.ratios), static_cast<float> (job.length))
+    {
+    }
+
+    HWY_INLINE hn::Vec<D> low (const float* frame) const { return hn::IfThenElseZero (inside, read (frame)); }
+    HWY_INLINE hn::Vec<D> high (const float* frame) const { return low (frame); }
+
+private:
+    HWY_INLINE CompressedReader (D d, hn::Vec<D> position, float length)
+        : inside (hn::Lt (position, hn::Set (d, length))), read (d, position, length)
+    {
+    }
+
+    hn::Mask<D> inside;
+    Interpolator<D> read;
+};
+
+/** Output samples from `from` up to `end`, all of one kind: they go to ring[j + offset]. */
+struct Stretch
+{
+    std::size_t from, end, offset;
+    bool adds, narrow; // to what is there; in both bands
+};
+
+/** Calls take (Stretch) for the stretches between the ring's end, the end of the overlap and the ends of the narrow window. */
+template <typename Take>
+HWY_INLINE void forEachStretch (const OverlapAdd& job, const Take& take)
+{
+    const auto wrap = job.length - job.ringStart; // the output sample that goes to the ring's first place
 
     for (std::size_t from = 0; from < job.span;)
     {
@@ -72,68 +120,57 @@ HWY_INLINE void forEachRun (const OverlapAdd& job, const Run& run)
             if (boundary > from)
                 end = std::min (end, boundary);
 
-        const auto offset =
-            from < wrap ? job.ringStart : job.ringStart - 2 * job.length; // unsigned: j + offset is right
-        run (from, end, offset, from < job.overlap, from >= job.narrowStart && from < job.narrowEnd);
+        const auto offset = from < wrap ? job.ringStart : job.ringStart - job.length; // unsigned: j + offset is right
+        take (Stretch { from, end, offset, from < job.overlap, from >= job.narrowStart && from < job.narrowEnd });
         from = end;
     }
 }
 
-void OverlapAddInterpolated (const OverlapAdd& given)
+template <template <class> class Reader>
+HWY_INLINE void addFrames (const OverlapAdd& given)
 {
     const auto job = given;
-    const auto length = static_cast<float> (job.length);
 
-    forEachRun (job,
-                [=] (std::size_t from, std::size_t end, std::size_t offset, bool adds, bool narrow) HWY_ATTR
-                {
-                    forEachVector (from, end,
-                                   [=] (auto d, std::size_t j) HWY_ATTR
-                                   {
-                                       const auto position = positionOf (d, j, job.ratios);
-                                       const auto inside = hn::Lt (position, hn::Set (d, length));
-                                       auto value = hn::Mul (interpolated (d, job.low, position, length),
-                                                             hn::LoadU (d, job.wide + j));
+    forEachStretch (job,
+                    [=] (const Stretch& stretch) HWY_ATTR
+                    {
+                        forEachVector (stretch.from, stretch.end,
+                                       [=] (auto d, std::size_t j) HWY_ATTR
+                                       {
+                                           const Reader<decltype (d)> read (d, job, j);
 
-                                       if (narrow)
-                                           value = hn::MulAdd (interpolated (d, job.high, position, length),
-                                                               hn::LoadU (d, job.narrow + j), value);
+                                           for (std::size_t c = 0; c < job.channelCount; ++c)
+                                           {
+                                               const auto& channel = job.channels[c];
+                                               auto* place = channel.ring + (j + stretch.offset);
+                                               auto value =
+                                                   hn::Mul (read.low (channel.low), hn::LoadU (d, job.wide + j));
 
-                                       value = hn::IfThenElseZero (inside, value);
+                                               if (stretch.narrow)
+                                                   value = hn::MulAdd (read.high (channel.high),
+                                                                       hn::LoadU (d, job.narrow + j), value);
 
-                                       if (adds)
-                                           value = hn::Add (value, hn::LoadU (d, job.ring + (j + offset)));
+                                               if (stretch.adds)
+                                                   value = hn::Add (value, hn::LoadU (d, place));
 
-                                       hn::StoreU (value, d, job.ring + (j + offset));
-                                   });
-                });
+                                               hn::StoreU (value, d, place);
+                                           }
+                                       });
+                    });
 }
 
-void OverlapAddDirect (const OverlapAdd& given)
+void OverlapAddCompressed (const OverlapAdd& job) { addFrames<CompressedReader> (job); }
+void OverlapAddStraight (const OverlapAdd& job) { addFrames<StraightReader> (job); }
+
+void TakeEntries (const float* table, const float* indices, float* entries, std::size_t count)
 {
-    const auto job = given;
-    const auto length = static_cast<float> (job.length);
-
-    forEachRun (job,
-                [=] (std::size_t from, std::size_t end, std::size_t offset, bool adds, bool narrow) HWY_ATTR
-                {
-                    forEachVector (from, end,
-                                   [=] (auto d, std::size_t j) HWY_ATTR
-                                   {
-                                       const auto inside = hn::Lt (positionOf (d, j, job.ratios), hn::Set (d, length));
-                                       auto value = hn::IfThenElseZero (
-                                           inside, hn::Mul (hn::LoadU (d, job.low + j), hn::LoadU (d, job.wide + j)));
-
-                                       if (narrow)
-                                           value = hn::MulAdd (hn::LoadU (d, job.high + j),
-                                                               hn::LoadU (d, job.narrow + j), value);
-
-                                       if (adds)
-                                           value = hn::Add (value, hn::LoadU (d, job.ring + (j + offset)));
-
-                                       hn::StoreU (value, d, job.ring + (j + offset));
-                                   });
-                });
+    forEachVector (0, count,
+                   [=] (auto d, std::size_t j) HWY_ATTR
+                   {
+                       const hn::RebindToSigned<decltype (d)> di;
+                       const auto index = hn::ConvertTo (di, hn::LoadU (d, indices + j));
+                       hn::StoreU (hn::GatherIndex (d, table, index), d, entries + j);
+                   });
 }
 } // namespace
 // NOLINTNEXTLINE(google-readability-namespace-comments)
@@ -145,14 +182,20 @@ HWY_AFTER_NAMESPACE();
 namespace tarvelline
 {
 HWY_EXPORT (TurnPhasors);
-HWY_EXPORT (OverlapAddInterpolated);
-HWY_EXPORT (OverlapAddDirect);
+HWY_EXPORT (OverlapAddCompressed);
+HWY_EXPORT (OverlapAddStraight);
+HWY_EXPORT (TakeEntries);
 
 namespace kernels
 {
 void turnPhasors (const SynthesisBins& bins) noexcept { HWY_DYNAMIC_DISPATCH (TurnPhasors) (bins); }
-void overlapAddInterpolated (const OverlapAdd& job) noexcept { HWY_DYNAMIC_DISPATCH (OverlapAddInterpolated) (job); }
-void overlapAddDirect (const OverlapAdd& job) noexcept { HWY_DYNAMIC_DISPATCH (OverlapAddDirect) (job); }
+void overlapAddCompressed (const OverlapAdd& job) noexcept { HWY_DYNAMIC_DISPATCH (OverlapAddCompressed) (job); }
+void overlapAddStraight (const OverlapAdd& job) noexcept { HWY_DYNAMIC_DISPATCH (OverlapAddStraight) (job); }
+
+void takeEntries (const float* table, const float* indices, float* entries, std::size_t count) noexcept
+{
+    HWY_DYNAMIC_DISPATCH (TakeEntries) (table, indices, entries, count);
+}
 } // namespace kernels
 } // namespace tarvelline
 #endif

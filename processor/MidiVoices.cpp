@@ -104,7 +104,6 @@ void MidiVoices::fillSlot (VoiceSlot& slot, int slotNumber, int key) noexcept
     // The level starts N * rate below zero: silent while the engine's N-sample pipeline fills, then the fade-in.
     slot = { .active = true,
              .index = slotNumber,
-             .started = true,
              .level = initialLevel,
              .rate = levelRate,
              .key = key,
