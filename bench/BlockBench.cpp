@@ -20,10 +20,8 @@ enum Wheels
     gliding
 };
 
-void setWheel (TarvellineAudioProcessor& processor, const char* wheel, double semitones)
-{
-    processor.parameters.getParameter (wheel)->setValueNotifyingHost (static_cast<float> (0.5 + semitones / 24.0));
-}
+/** Where a wheel's parameter stands; it spans 12 semitones either way as it comes. */
+float wheelPosition (double semitones) { return static_cast<float> (0.5 + semitones / 24.0); }
 
 /** Voices that all shift alike and start with the same sample, as no keyboard can make them, since a sample takes one MIDI
     event: all their frames fall on the same samples. That is the heaviest block there can be. */
@@ -41,9 +39,9 @@ void processBlock (benchmark::State& state, Wheels wheels)
     const auto blockSize = static_cast<int> (state.range (2));
 
     TarvellineAudioProcessor processor;
-    processor.parameters.getParameter (parameterId::toggleSize)
-        ->setValueNotifyingHost (wheels == withTimbre ? 1.0f : 0.0f);
-    setWheel (processor, parameterId::timbWheelPar, timbreShift);
+    const auto parameter = [&](const char* id) -> auto& { return *processor.parameters.getParameter (id); };
+    parameter (parameterId::toggleSize).setValueNotifyingHost (wheels == withTimbre ? 1.0f : 0.0f);
+    parameter (parameterId::timbWheelPar).setValueNotifyingHost (wheelPosition (timbreShift));
     processor.midiTransposeMode = false; // one engine a voice
     processor.prepareToPlay (rate, blockSize);
     processor.midiTransposeMode = false;
@@ -53,16 +51,15 @@ void processBlock (benchmark::State& state, Wheels wheels)
     const auto length = static_cast<int> (signal.size()) / blockSize * blockSize;
     juce::AudioBuffer<float> block (channels, blockSize);
     juce::MidiBuffer midi;
+    auto& wheel = parameter (parameterId::mainWheelPar);
     int position = 0;
     const auto playBlock = [&]
     {
         for (int c = 0; c < channels; ++c)
             block.copyFrom (c, 0, signal.data() + position, blockSize);
 
-        if (wheels == gliding)
-            setWheel (processor, parameterId::mainWheelPar,
-                      glideDepth * std::sin (2.0 * std::numbers::pi * glidesPerSecond * position / rate));
-
+        const auto phase = 2.0 * std::numbers::pi * glidesPerSecond * position / rate;
+        wheel.setValue (wheelPosition (wheels == gliding ? glideDepth * std::sin (phase) : 0.0));
         processor.processBlock (block, midi);
         position = (position + blockSize) % length;
     };

@@ -91,7 +91,7 @@ struct Score
     double glide = 0.0; // semitones, over the whole
     int setup = 0;
     int channels = 2;
-    double level = 1.0;
+    bool quiet = false;
 };
 
 constexpr Score scores[] = { { "Rest", 1.0f, 1.0f },
@@ -108,20 +108,21 @@ constexpr Score scores[] = { { "Rest", 1.0f, 1.0f },
                              { "AboveTheHighest", 120.0f, 1.0f },
                              { "BelowTheLowest", -1.0f, -1.0f },
                              { "NoNumbers", nan, nan },
-                             { "LongAndQuiet", 0.12f, 1.0f, 0.0, 0, 1, 1.0e-7 } };
+                             { "LongAndQuiet", 1.0f, 1.0f, 0.0, 0, 1, true } };
 
-/** The material, quieter or with samples that are none; or a tone so soft that only what holds phasors up keeps it. */
+/** Something of everything, with samples that are none; or a tone so soft that its phasors shrink from frame to frame, for
+    longer than it takes until they are brought back to length 1. */
 std::vector<Samples> inputFor (const Score& score)
 {
-    const auto length = score.level < 1.0 ? 16000 : 7 * setups[score.setup].frameSize;
+    if (score.quiet)
+        return { sine (1000.0, setups[0].rate, 1.7, 1.0e-7) };
+
+    const auto length = 7 * setups[score.setup].frameSize;
     std::vector<Samples> inputs { material (length), whiteNoise (length) };
 
-    if (score.level < 1.0)
-        inputs[0] = sine (1000.0, setups[0].rate, length / setups[0].rate, score.level);
-
     for (std::size_t i = inputs[0].size() / 2;
-         const auto bad : { nan, infinity, -infinity, 1.0e30f, -1.0e5f, 1.0e-39f, 1.0f })
-        inputs[0][i += 100] = bad * static_cast<float> (score.level);
+         const auto bad : { nan, infinity, -infinity, 1.0e30f, -1.0e5f, 1.0e-39f })
+        inputs[0][i += 100] = bad;
 
     inputs.resize (static_cast<std::size_t> (score.channels));
     return inputs;

@@ -269,11 +269,13 @@ private:
 
             if (locks[k] == 255)
             {
-                channel.advance[k] /= std::abs (channel.advance[k]);
+                channel.advance[k] = atLengthOne (channel.advance[k]);
                 locks[k] = 1;
             }
         }
     }
+
+    static Bin atLengthOne (Bin z) { return z / (std::sqrt (std::norm (z) + 1.0e-10f) + 1.0e-10f); }
 
     void moveEnvelope (Channel& channel) const
     {
@@ -316,7 +318,7 @@ private:
             phasor = locks[k] != 0 ? phasor * channel.advance[k] : channel.advance[k];
 
             if (locks[k] == 254)
-                phasor /= std::abs (phasor);
+                phasor = atLengthOne (phasor);
 
             low[k] = 0.26f / float (n) * magnitude[k] * tables.lowWeight[k] * phasor;
             high[k] = 0.26f / float (n) * magnitude[k] * (1.0f - tables.lowWeight[k]) * phasor;
