@@ -27,7 +27,8 @@ template <class D>
 HWY_INLINE hn::Vec<D> alternatingGuard (D d, std::size_t j)
 {
     const hn::RebindToSigned<D> di;
-    const auto sign = hn::ShiftLeft<31> (hn::Iota (di, static_cast<int> (j + 1)));
+    const auto first = hn::Lanes (d) > 1 ? 1 : static_cast<int> (j + 1); // a vector starts at an even element
+    const auto sign = hn::ShiftLeft<31> (hn::Iota (di, first));
     return hn::Or (hn::Set (d, denormalGuard), hn::BitCast (d, sign));
 }
 
@@ -66,19 +67,22 @@ void ReadStretched (const WindowedRead& given)
                    });
 }
 
-/** The bins above the active ones: phasors at rest, phases to start afresh. */
+/** The bins that are active no more: phasors at rest, phases to start afresh. Those above them are so already. */
 void restUpperBins (const AnalysisBins& bins)
 {
+    if (bins.activeBins >= bins.lastActiveBins)
+        return;
+
     for (std::size_t c = 0; c < bins.channelCount; ++c)
     {
         for (auto* phasors : { bins.channels[c].advance, bins.channels[c].lastPhasor })
         {
-            std::fill (phasors + bins.activeBins, phasors + bins.binCount, 1.0f);
-            std::fill (phasors + bins.binCount + bins.activeBins, phasors + 2 * bins.binCount, 0.0f);
+            std::fill (phasors + bins.activeBins, phasors + bins.lastActiveBins, 1.0f);
+            std::fill (phasors + bins.binCount + bins.activeBins, phasors + bins.binCount + bins.lastActiveBins, 0.0f);
         }
     }
 
-    std::fill (bins.lockCount + bins.activeBins, bins.lockCount + bins.binCount, 0.0f);
+    std::fill (bins.lockCount + bins.activeBins, bins.lockCount + bins.lastActiveBins, 0.0f);
 }
 
 /** Magnitudes and their sums of the bins of one word; which of them are stable comes back, a bit a bin. */

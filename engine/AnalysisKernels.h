@@ -27,6 +27,7 @@ struct AnalysisBins
     std::array<Channel, 2> channels;
     std::size_t channelCount; // 1 or 2
     std::size_t binCount, activeBins;
+    std::size_t lastActiveBins; // of the last frame
     const float* onsetThreshold;
     float* sum;       // magnitudes over channels: in, of the last frame; out, of this one
     float* lockCount; // whole numbers, 0 = phase reset
@@ -64,6 +65,8 @@ struct EnvelopeWarp
     std::array<const float*, 2> magnitudes;
     std::array<float*, 2> shaped;          // the magnitudes with their envelope moved
     std::size_t channelCount;              // 1 or 2
+    std::size_t binCount;                  // K
+    std::size_t bins;                      // the lowest ones, whose magnitudes are to be shaped
     float ratio;                           // frequency of the envelope in / out
     std::array<float*, 2> rows, envelopes; // scratch: K, and K + 1 with readAhead
 };

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 #include <numbers>
+#include <vector>
 
 namespace tarvelline
 {
@@ -20,6 +21,7 @@ constexpr float lowBandEndHz = 800.0f;    // from here on: only the narrow one
 constexpr int narrowWindowDivisor = 4;    // the narrow window covers this part of the frame
 constexpr float envelopeStart = 0.2f;     // smoothing exponents of the lowest and, added, of the highest bin
 constexpr float envelopeRise = 0.65f;
+constexpr float envelopeMargin = 128.0f; // bins: what is further above has no share in the envelope, less than 0.73^128
 constexpr float smallestShare = 1.0e-20f; // of an envelope's state: less is 0, and no product of it a denormal
 
 AlignedVector<float> zeros (int count) { return AlignedVector<float> (static_cast<std::size_t> (count), 0.0f); }
@@ -98,34 +100,53 @@ void EngineTables::buildLowBandWeights (int binCount, float binsPerHz)
 
 void EngineTables::buildEnvelopeSegments (int binCount)
 {
-    constexpr auto segments = EnvelopeSegments::count;
-    envelope.steps = static_cast<std::size_t> (binCount) / segments;
+    std::vector<float> coefficients;
     auto exponent = envelopeStart;
 
-    for (auto* row : { &envelope.coefficients, &envelope.upwards, &envelope.downwards })
-        *row = zeros (binCount);
+    for (int k = 0; k < binCount; ++k, exponent += envelopeRise / static_cast<float> (binCount))
+        coefficients.push_back (std::exp (-std::numbers::pi_v<float> / 2.0f * exponent));
 
-    for (std::size_t segment = 0; segment < segments; ++segment)
+    for (std::size_t quarters = 1; quarters <= envelopes.size(); ++quarters)
+        envelopes[quarters - 1] =
+            EnvelopeSegments (coefficients.data(), coefficients.size() * quarters / envelopes.size());
+}
+
+EnvelopeSegments::EnvelopeSegments (const float* binCoefficients, std::size_t binCount) : steps (binCount / count)
+{
+    for (auto* row : { &coefficients, &upwards, &downwards })
+        row->resize (binCount);
+
+    for (std::size_t segment = 0; segment < count; ++segment)
     {
-        const auto fill = [segment] (auto& row, std::size_t step, float before, float factor)
-        {
-            const auto product = before * factor;
-            row[step * segments + segment] = product < smallestShare ? 0.0f : product;
-            return product;
-        };
+        const auto* ofSegment = binCoefficients + segment * steps;
         auto share = 1.0f;
-
-        for (std::size_t i = 0; i < envelope.steps; ++i, exponent += envelopeRise / static_cast<float> (binCount))
+        const auto fill = [&] (auto& row, std::size_t i)
         {
-            const auto coefficient = std::exp (-std::numbers::pi_v<float> / 2.0f * exponent);
-            envelope.coefficients[i * segments + segment] = coefficient;
-            share = fill (envelope.upwards, i, share, coefficient);
+            share *= ofSegment[i];
+            row[i * count + segment] = share < smallestShare ? 0.0f : share;
+        };
+
+        for (std::size_t i = 0; i < steps; ++i)
+        {
+            coefficients[i * count + segment] = ofSegment[i];
+            fill (upwards, i);
         }
 
         share = 1.0f;
 
-        for (auto i = envelope.steps; i-- > 0;)
-            share = fill (envelope.downwards, i, share, envelope.coefficients[i * segments + segment]);
+        for (auto i = steps; i-- > 0;)
+            fill (downwards, i);
     }
+}
+
+const EnvelopeSegments& EngineTables::envelopeReaching (int bins, float ratio) const noexcept
+{
+    const auto reach = static_cast<float> (bins) * std::max (ratio, 1.0f) + envelopeMargin;
+
+    for (const auto& segments : envelopes)
+        if (reach <= static_cast<float> (segments.coefficients.size()))
+            return segments;
+
+    return envelopes.back();
 }
 } // namespace tarvelline

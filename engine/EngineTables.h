@@ -3,6 +3,7 @@
 
 #include "engine/AlignedVector.h"
 
+#include <array>
 #include <cstddef>
 
 namespace tarvelline
@@ -12,6 +13,11 @@ namespace tarvelline
 struct EnvelopeSegments
 {
     static constexpr std::size_t count = 16;
+
+    EnvelopeSegments() = default;
+
+    /** @param binCount  a multiple of 64 */
+    EnvelopeSegments (const float* binCoefficients, std::size_t binCount);
 
     std::size_t steps = 0;                   // bins of a segment, a multiple of 4
     AlignedVector<float> coefficients;       // of each bin
@@ -38,8 +44,11 @@ struct EngineTables
     AlignedVector<float> onsetThreshold; // rise of a bin's magnitude from frame to frame that counts as an onset
     AlignedVector<float> lowBandWeight;  // share of a bin that is heard through the wide window, 1 .. 0
     int lowBandEnd = 0;                  // from this bin on it is 0
-    EnvelopeSegments envelope;
-    int peakStartBin = 0; // first bin of the full peak test
+    std::array<EnvelopeSegments, 4> envelopes; // of the lowest quarter of the bins, the lower half, three quarters, all
+    int peakStartBin = 0;                      // first bin of the full peak test
+
+    /** The fewest segments that make the envelope of the lowest `bins` bins where it is read at `ratio` times their frequency. */
+    const EnvelopeSegments& envelopeReaching (int bins, float ratio) const noexcept;
 
 private:
     void buildWindows (int frameLength);

@@ -188,9 +188,8 @@ void WarpEnvelope (const EnvelopeWarp& given)
     for (std::size_t c = 0; c < warp.channelCount; ++c)
         layOut (segments, pass, c, warp.rows[c], warp.envelopes[c]);
 
-    const auto count = segments.steps * segmentCount;
-    const auto top = static_cast<float> (count);
-    forEachVector (0, count,
+    const auto top = static_cast<float> (warp.binCount);
+    forEachVector (0, warp.bins,
                    [=] (auto d, std::size_t k) HWY_ATTR
                    {
                        const auto position = hn::Mul (countFrom (d, k), hn::Set (d, warp.ratio));

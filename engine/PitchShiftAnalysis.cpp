@@ -2,6 +2,8 @@
 // The analysis frame: what the input holds now, bin by bin, and how far each bin's phase has moved since the last frame.
 #include "engine/PitchShiftEngine.h"
 
+#include <algorithm>
+
 namespace tarvelline
 {
 void PitchShiftEngine::analyseFrame() noexcept
@@ -17,10 +19,11 @@ void PitchShiftEngine::analyseFrame() noexcept
     spreadResetsOverPeaks (masks, bins.activeBins, static_cast<std::size_t> (resources->tables.peakStartBin));
     kernels::advancePhases (bins, masks.resets);
 
+    analysedBins = geometry.activeBins;
+    appliedFormantRatio = formantRatio;
+
     if (formantRatio != 1.0f)
         warpEnvelope();
-
-    appliedFormantRatio = formantRatio;
 }
 
 void PitchShiftEngine::readWindowedInput() noexcept
@@ -53,22 +56,27 @@ kernels::AnalysisBins PitchShiftEngine::analysisBins() noexcept
              .channelCount = static_cast<std::size_t> (channelCount),
              .binCount = static_cast<std::size_t> (binCount),
              .activeBins = static_cast<std::size_t> (geometry.activeBins),
+             .lastActiveBins = static_cast<std::size_t> (analysedBins),
              .onsetThreshold = resources->tables.onsetThreshold.data(),
              .sum = magnitudeSum.data(),
              .lockCount = lockCount.data() };
 }
 
+/** Of the active bins, and some more, should the geometry take in more of them before the next frame. */
 void PitchShiftEngine::warpEnvelope() noexcept
 {
+    shapedBins = std::min (geometry.activeBins + geometry.activeBins / 8, binCount);
     auto &left = channelState[0], &right = channelState[1];
 
     auto &rows = resources->envelopeRows, &envelopes = resources->envelopes;
 
-    kernels::warpEnvelope ({ .segments = &resources->tables.envelope,
+    kernels::warpEnvelope ({ .segments = &resources->tables.envelopeReaching (shapedBins, appliedFormantRatio),
                              .magnitudes = { left.magnitude.data(), right.magnitude.data() },
                              .shaped = { left.shapedMagnitude.data(), right.shapedMagnitude.data() },
                              .channelCount = static_cast<std::size_t> (channelCount),
-                             .ratio = formantRatio,
+                             .binCount = static_cast<std::size_t> (binCount),
+                             .bins = static_cast<std::size_t> (shapedBins),
+                             .ratio = appliedFormantRatio,
                              .rows = { rows[0].data(), rows[1].data() },
                              .envelopes = { envelopes[0].data(), envelopes[1].data() } });
 }

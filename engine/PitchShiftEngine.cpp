@@ -87,6 +87,7 @@ void PitchShiftEngine::reset() noexcept
                               &channel.advance, &channel.lastPhasor })
             clear (*buffer); // synthPhasor stays: with every bin unlocked the next frame overwrites it
 
+    analysedBins = binCount; // of those that rest now none is at rest
     analysisCounter = synthesisCounter = 0;
 }
 

@@ -114,6 +114,8 @@ private:
     int unityRun = 0;                  // samples, at most N, for which that ratio has been exactly 1
     AlignedVector<float> lockCount;    // K: frames for which a bin has stayed stable; 0 = phase reset
     AlignedVector<float> magnitudeSum; // K: over channels, in the last analysis frame
+    int analysedBins = 0;              // active ones in the last analysis frame
+    int shapedBins = 0;                // the lowest ones, whose envelope is warped
     SpanWindows windows;
 
     std::shared_ptr<EngineResources> resources; // none while unprepared

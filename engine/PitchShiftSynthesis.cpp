@@ -14,6 +14,9 @@ constexpr float resynthesisGain = 0.26f; // eight overlapping squared sine windo
 
 void PitchShiftEngine::synthesiseFrame() noexcept
 {
+    if (appliedFormantRatio != 1.0f && geometry.activeBins > shapedBins)
+        warpEnvelope();
+
     const auto lowBins = std::min (resources->tables.lowBandEnd, geometry.activeBins);
 
     for (std::size_t c = 0; c < static_cast<std::size_t> (channelCount); ++c)
