@@ -93,8 +93,8 @@ void handOn (const float* ends, const float* wholeProducts, bool upwards, Carrie
 
 /** Smooths all segments of the channels at once, reading what the last pass left. */
 template <std::size_t channels>
-FinishedPass smoothPass (const EnvelopeSegments& segments, const std::array<float*, 2>& rows, bool upwards,
-                         const FinishedPass& last, float floorAfter)
+void smoothPass (const EnvelopeSegments& segments, const std::array<float*, 2>& rows, bool upwards,
+                 const FinishedPass& last)
 {
     const hn::CappedTag<float, segmentCount> d;
     constexpr auto lanes = hn::MaxLanes (d), vectors = segmentCount / lanes;
@@ -128,7 +128,14 @@ FinishedPass smoothPass (const EnvelopeSegments& segments, const std::array<floa
             }
         }
     }
+}
 
+/** The same, and then what the segments hand on to each other. */
+template <std::size_t channels>
+FinishedPass finishPass (const EnvelopeSegments& segments, const std::array<float*, 2>& rows, bool upwards,
+                         const FinishedPass& last, float floorAfter)
+{
+    smoothPass<channels> (segments, rows, upwards, last);
     const auto lastStep = (segments.steps - 1) * segmentCount;
     FinishedPass pass { upwards ? segments.upwards.data() : segments.downwards.data(), {}, floorAfter };
 
@@ -146,8 +153,8 @@ FinishedPass smoothRows (const EnvelopeSegments& segments, const std::array<floa
 
     for (int round = 0; round < envelopeRounds; ++round)
     {
-        pass = smoothPass<channels> (segments, rows, false, pass, 0.0f);
-        pass = smoothPass<channels> (segments, rows, true, pass, envelopeFloor); // its state runs on below the floor
+        pass = finishPass<channels> (segments, rows, false, pass, 0.0f);
+        pass = finishPass<channels> (segments, rows, true, pass, envelopeFloor); // its state runs on below the floor
     }
 
     return pass;

@@ -12,8 +12,8 @@ namespace tarvelline
 
     Shapes: N = length, a power of two from 256 to 8192; K = N / 2. Data need no alignment; 64 bytes are fastest.
     Threads: init() while nobody transforms; the transforms are const and may run on any thread, each on
-            its own data. Real time: the transforms allocate nothing, lock nothing and never throw; they use 8 N bytes of
-            the stack, 64 KB at most.
+            its own data. Real time: the transforms allocate nothing, lock nothing and never throw; they use 64 KB of
+            the stack, whatever the length.
     Errors: a length outside the shapes above is a caller's fault (asserted).
     Results: the same on every run on one machine; machines with other vector instructions round differently.
 
