@@ -101,17 +101,22 @@ enum Rows
 
 /** The pass at stride 4. */
 template <Rows rows>
-inline void secondPass (const HartleyTables& tables, SplitComplex from, SplitComplex to)
+HWY_NOINLINE void secondPass (const HartleyTables& tables, SplitComplex from, SplitComplex to)
 {
     const hn::CappedTag<float, 8> d;
     const auto quarter = static_cast<std::size_t> (tables.length) / 8;
 
     for (std::size_t t = 0; t < quarter; t += hn::Lanes (d))
     {
-        const Complex nothing { hn::Zero (d), hn::Zero (d) };
-        auto points = rows == everyRow
-                          ? loadRows (d, from, t, quarter)
-                          : FourPoints (load (d, from, t), nothing, nothing, load (d, from, t + 3 * quarter));
+        Complex<hn::Vec<decltype (d)>> second { hn::Zero (d), hn::Zero (d) }, third = second;
+
+        if constexpr (rows == everyRow)
+        {
+            second = load (d, from, t + quarter);
+            third = load (d, from, t + 2 * quarter);
+        }
+
+        FourPoints points (load (d, from, t), second, third, load (d, from, t + 3 * quarter));
         turnByElement (d, points, tables.second.data(), quarter, t);
         storeByFour (d, points.y0.re, points.y1.re, points.y2.re, points.y3.re, to.re, t);
         storeByFour (d, points.y0.im, points.y1.im, points.y2.im, points.y3.im, to.im, t);
@@ -119,7 +124,7 @@ inline void secondPass (const HartleyTables& tables, SplitComplex from, SplitCom
 }
 
 /** A pass at a stride of 16 or more: runs of `stride` elements share their turns. Returns the next pass's turns. */
-inline const float* widePass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from,
+HWY_NOINLINE const float* widePass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from,
                               SplitComplex to)
 {
     const hn::CappedTag<float, 16> d;
@@ -148,7 +153,7 @@ inline const float* widePass (const float* turns, std::size_t half, std::size_t 
 }
 
 /** A pass of radix 2, where the number of values is not a power of four. */
-inline void radix2Pass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from, SplitComplex to)
+HWY_NOINLINE void radix2Pass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from, SplitComplex to)
 {
     const hn::CappedTag<float, 16> d;
 
