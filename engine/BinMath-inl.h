@@ -102,8 +102,11 @@ public:
 
     HWY_INLINE V operator() (const float* frame) const
     {
-        return between (hn::GatherIndex (D(), frame, index), hn::GatherIndex (D(), frame + 1, index));
+        return between (truncated (frame), hn::GatherIndex (D(), frame + 1, index));
     }
+
+    /** The samples at or below the positions. */
+    HWY_INLINE V truncated (const float* frame) const { return hn::GatherIndex (D(), frame, index); }
 
 protected:
     HWY_INLINE V between (V here, V next) const { return hn::MulAdd (hn::Sub (next, here), fraction, here); }
@@ -137,6 +140,11 @@ public:
     {
         return HWY_LIKELY (isNear) ? this->between (lookUp (frame + first), lookUp (frame + first + 1))
                                    : gather (frame);
+    }
+
+    HWY_INLINE V truncated (const float* frame) const
+    {
+        return HWY_LIKELY (isNear) ? lookUp (frame + first) : Interpolator<D, false>::truncated (frame);
     }
 
 private:

@@ -50,8 +50,8 @@ EngineTables::EngineTables (int frameLength, float frequencyScale, float sampleR
 
 void EngineTables::buildWindows (int frameLength)
 {
-    wideWindow = zeros (frameLength + 1);
-    narrowWindow = zeros (frameLength + 1);
+    wideWindow = zeros (frameLength + 1 + readAhead);
+    narrowWindow = zeros (frameLength + 1 + readAhead);
 
     const auto half = frameLength / narrowWindowDivisor / 2;
     fillHalfSine (wideWindow.data(), frameLength);

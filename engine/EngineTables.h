@@ -27,7 +27,7 @@ struct EnvelopeSegments
 /** The constant tables of one engine: they depend on the frame length and the sample rate alone.
 
     Shapes: N = frame length, K = N / 2 bins; windows have N + 1 entries (the last one 0, read only by a window index that
-    rounding carries to N), per-bin tables K.
+    rounding carries to N) and readAhead, per-bin tables K.
     Threads: built while audio is stopped (allocates), read-only afterwards. */
 struct EngineTables
 {

@@ -69,8 +69,13 @@ void SpanWindows::layOver (int newSpan, float* scratch) noexcept
     narrowStart = firstFrom (narrowStart);
     narrowEnd = firstFrom (narrowEnd);
 
-    const auto inner = static_cast<std::size_t> (narrowStart), count = static_cast<std::size_t> (narrowEnd) - inner;
-    kernels::takeEntries (tables->wideWindow.data(), scratch, wideOverSpan.data(), static_cast<std::size_t> (span));
-    kernels::takeEntries (tables->narrowWindow.data(), scratch + inner, narrowOverSpan.data() + inner, count);
+    const auto inner = static_cast<std::size_t> (narrowStart), outer = static_cast<std::size_t> (narrowEnd);
+    const auto lay = [=, this] (const auto& table, auto& window, std::size_t from, std::size_t end)
+    {
+        kernels::takeEntries (table.data(), static_cast<std::size_t> (frameSize) + 1, scratch + from,
+                              window.data() + from, end - from);
+    };
+    lay (tables->wideWindow, wideOverSpan, 0, static_cast<std::size_t> (span));
+    lay (tables->narrowWindow, narrowOverSpan, inner, outer);
 }
 } // namespace tarvelline

@@ -162,14 +162,13 @@ HWY_INLINE void addFrames (const OverlapAdd& given)
 void OverlapAddCompressed (const OverlapAdd& job) { addFrames<CompressedReader> (job); }
 void OverlapAddStraight (const OverlapAdd& job) { addFrames<StraightReader> (job); }
 
-void TakeEntries (const float* table, const float* indices, float* entries, std::size_t count)
+void TakeEntries (const float* table, std::size_t length, const float* indices, float* entries, std::size_t count)
 {
     forEachVector (0, count,
                    [=] (auto d, std::size_t j) HWY_ATTR
                    {
-                       const hn::RebindToSigned<decltype (d)> di;
-                       const auto index = hn::ConvertTo (di, hn::LoadU (d, indices + j));
-                       hn::StoreU (hn::GatherIndex (d, table, index), d, entries + j);
+                       const Interpolator at (d, hn::LoadU (d, indices + j), static_cast<float> (length));
+                       hn::StoreU (at.truncated (table), d, entries + j);
                    });
 }
 } // namespace
@@ -192,9 +191,10 @@ void turnPhasors (const SynthesisBins& bins) noexcept { HWY_DYNAMIC_DISPATCH (Tu
 void overlapAddCompressed (const OverlapAdd& job) noexcept { HWY_DYNAMIC_DISPATCH (OverlapAddCompressed) (job); }
 void overlapAddStraight (const OverlapAdd& job) noexcept { HWY_DYNAMIC_DISPATCH (OverlapAddStraight) (job); }
 
-void takeEntries (const float* table, const float* indices, float* entries, std::size_t count) noexcept
+void takeEntries (const float* table, std::size_t length, const float* indices, float* entries,
+                  std::size_t count) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (TakeEntries) (table, indices, entries, count);
+    HWY_DYNAMIC_DISPATCH (TakeEntries) (table, length, indices, entries, count);
 }
 } // namespace kernels
 } // namespace tarvelline

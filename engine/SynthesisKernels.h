@@ -50,7 +50,8 @@ void overlapAddCompressed (const OverlapAdd&) noexcept;
 /** Takes the frames' samples as they are; only the low band asks whether j * ratio is inside the frame. */
 void overlapAddStraight (const OverlapAdd&) noexcept;
 
-/** entries[j] = table[index j, truncated] */
-void takeEntries (const float* table, const float* indices, float* entries, std::size_t count) noexcept;
+/** entries[j] = table[index j, truncated]; `length` entries of the table are used, and readAhead more may be touched. */
+void takeEntries (const float* table, std::size_t length, const float* indices, float* entries,
+                  std::size_t count) noexcept;
 } // namespace kernels
 } // namespace tarvelline
