@@ -2,11 +2,8 @@
 #include "engine/EngineBank.h"
 
 #include <algorithm>
-#include <bit>
 #include <cassert>
 #include <cmath>
-#include <cstdint>
-#include <numbers>
 
 namespace tarvelline
 {
@@ -37,35 +34,24 @@ FrameChoice frameChoiceFor (float sampleRate) noexcept
     return highestChoice;
 }
 
-/** exp (x) in double precision, rounded once: within a hundredth of the last place of the true value. Made of nothing but
-    sums, products and bits, so that a loop of it runs in vectors and every processor gives the same. */
-inline float exponential (float exponent) noexcept
+/** Semitones to a frequency ratio. Keeps the last answer: most wheels rest most of the time. */
+class RatioOfSemitones
 {
-    constexpr auto integerShift = 6755399441055744.0; // 1.5 * 2^52: adding it rounds to an integer, in the low bits
-    constexpr auto ln2 = std::numbers::ln2;
-    constexpr auto furthest = 80.0f; // nothing overflows, and engines hold ratios far closer
-    const double x = exponent < -furthest ? -furthest : exponent > furthest ? furthest : exponent;
-    const auto shifted = x / ln2 + integerShift;
-    const auto r = x - (shifted - integerShift) * ln2; // -0.35 .. 0.35
-    auto series = 1.0 / 39916800.0;
+public:
+    float operator() (float semitones) noexcept
+    {
+        if (semitones != last)
+        {
+            last = semitones;
+            ratio = std::exp (semitones * semitoneToLog);
+        }
 
-    for (const auto coefficient : { 1.0 / 3628800.0, 1.0 / 362880.0, 1.0 / 40320.0, 1.0 / 5040.0, 1.0 / 720.0,
-                                    1.0 / 120.0, 1.0 / 24.0, 1.0 / 6.0, 1.0 / 2.0, 1.0, 1.0 })
-        series = series * r + coefficient;
+        return ratio;
+    }
 
-    const auto power = std::bit_cast<std::uint64_t> (shifted) << 52; // added to the exponent
-    return static_cast<float> (std::bit_cast<double> (std::bit_cast<std::uint64_t> (series) + power));
-}
-
-/** Semitones to frequency ratios. Most wheels rest most of the time: then one is enough. */
-void toRatios (const float* semitones, float offset, float* ratios, int count) noexcept
-{
-    if (std::all_of (semitones, semitones + count, [=] (float s) { return s == semitones[0]; }))
-        std::fill_n (ratios, count, exponential ((offset + semitones[0]) * semitoneToLog));
-    else
-        for (int i = 0; i < count; ++i)
-            ratios[i] = exponential ((offset + semitones[i]) * semitoneToLog);
-}
+private:
+    float last = 0.0f, ratio = 1.0f;
+};
 } // namespace
 
 void EngineBank::setSampleRate (float hertz) noexcept
@@ -134,16 +120,17 @@ void EngineBank::runVoice (const BankRun& run, int number, float voiceSemitones,
                            int count) noexcept
 {
     std::array<float, longestRun> pitchRatios, formantRatios, wet[PitchShiftEngine::maxChannels];
-    toRatios (run.pitchSemitones, voiceSemitones, pitchRatios.data(), count);
-    formantRatios.fill (1.0f);
+    RatioOfSemitones pitchRatio, timbreRatio;
 
-    if (run.timbreInUse)
+    for (std::size_t i = 0; i < static_cast<std::size_t> (count); ++i)
     {
-        // A voice's own shift moves its pitch and its timbre alike, so it cancels out of the formant ratio.
-        toRatios (run.timbreSemitones, levels != nullptr ? voiceSemitones : 0.0f, formantRatios.data(), count);
+        pitchRatios[i] = pitchRatio (voiceSemitones + run.pitchSemitones[i]);
+        formantRatios[i] = run.timbreInUse ? pitchRatios[i] : 1.0f;
 
-        for (std::size_t i = 0; i < static_cast<std::size_t> (count); ++i)
-            formantRatios[i] = pitchRatios[i] / formantRatios[i];
+        // A voice's own shift moves its pitch and its timbre alike, so it cancels out of the formant ratio.
+        if (run.timbreInUse)
+            formantRatios[i] /=
+                timbreRatio (levels != nullptr ? voiceSemitones + run.timbreSemitones[i] : run.timbreSemitones[i]);
     }
 
     float* const outputs[] = { wet[0].data(), wet[1].data() };
