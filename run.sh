@@ -3,7 +3,8 @@
 # hands them to tarvelline-render (./run.sh --help lists them). Instead of these:
 #   --install    puts plug-ins, programs and presets into your own folders;  --uninstall  removes exactly those
 #   --package    makes a .deb and a .tar.gz in out/
-#   --bench      compares cost with other programs', drawn over voices, shift, sample rate and block size into out/
+#   --bench [SET]  compares cost with other programs', drawn over voices, shift, sample rate and block size into out/;
+#                held to an instruction set if one is named, such as AVX2
 set -euo pipefail
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
@@ -14,7 +15,7 @@ if [[ "${1:-}" == --bench ]]; then
     install_missing
     cmake -S "$root" --preset release >/dev/null # the peers may have come after the last configuring
     build_targets "$root" release compare
-    exec "$root/build/release/bench/compare" "$root/out"
+    exec "$root/build/release/bench/compare" "$root/out" "${@:2}"
 fi
 
 if [[ "${1:-}" == --uninstall ]]; then

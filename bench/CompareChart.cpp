@@ -16,7 +16,9 @@ namespace
 constexpr int width = 1600, height = 1160, columns = 2;
 constexpr float left = 150.0f, top = 40.0f, panelWidth = 600.0f, panelHeight = 420.0f;
 constexpr float columnDistance = 780.0f, rowDistance = 560.0f, textHeight = 20.0f, dot = 9.0f;
-constexpr double narrowestTick = 0.08; // of the axis, between two labels
+constexpr float legendLeft = 30.0f, legendTop = 24.0f, legendLine = 30.0f; // of the first name, from the corner; next
+constexpr double narrowestTick = 0.08;                                     // of the axis, between two labels
+constexpr juce::uint32 curveColours[] = { 0xff1f6fb4, 0xffc8501e };
 
 struct Range
 {
@@ -47,13 +49,32 @@ std::vector<render::Tick> costTicks (double highest, double& end)
     return ticks;
 }
 
+void drawCurve (juce::Graphics& g, juce::Rectangle<float> area, const Panel& panel, const Range& range,
+                const std::vector<double>& y, double end)
+{
+    juce::Path path;
+
+    for (std::size_t i = 0; i < y.size(); ++i)
+    {
+        const juce::Point<float> point (area.getX() + static_cast<float> (range.place (panel.x[i])) * area.getWidth(),
+                                        area.getBottom() - static_cast<float> (y[i] / end) * area.getHeight());
+        g.fillEllipse (juce::Rectangle<float> (dot, dot).withCentre (point));
+        i == 0 ? path.startNewSubPath (point) : path.lineTo (point);
+    }
+
+    g.strokePath (path, juce::PathStrokeType (2.5f));
+}
+
 void drawPanel (juce::Graphics& g, juce::Rectangle<float> area, const Panel& panel, const juce::String& yName)
 {
     const Range range { panel.x.front(), panel.x.back(), panel.isLogarithmic };
-    auto end = 1.0;
-    const auto upright = costTicks (*std::max_element (panel.y.begin(), panel.y.end()), end);
+    auto highest = 0.0, end = 1.0;
+
+    for (const auto& curve : panel.curves)
+        highest = std::max (highest, *std::max_element (curve.y.begin(), curve.y.end()));
+
+    const auto upright = costTicks (highest, end);
     std::vector<render::Tick> level;
-    juce::Path curve;
 
     for (const auto x : panel.x)
         if (level.empty() || range.place (x) - level.back().place >= narrowestTick)
@@ -69,17 +90,17 @@ void drawPanel (juce::Graphics& g, juce::Rectangle<float> area, const Panel& pan
     g.drawRect (area, 2.0f);
     render::drawBottomAxis (g, area, level, panel.name);
     render::drawLeftAxis (g, area, upright, yName);
-    g.setColour (juce::Colour (0xff1f6fb4));
 
-    for (std::size_t i = 0; i < panel.x.size(); ++i)
+    for (std::size_t i = 0; i < panel.curves.size(); ++i)
     {
-        const juce::Point<float> point (area.getX() + static_cast<float> (range.place (panel.x[i])) * area.getWidth(),
-                                        area.getBottom() - static_cast<float> (panel.y[i] / end) * area.getHeight());
-        g.fillEllipse (juce::Rectangle<float> (dot, dot).withCentre (point));
-        i == 0 ? curve.startNewSubPath (point) : curve.lineTo (point);
-    }
+        g.setColour (juce::Colour (curveColours[i]));
+        drawCurve (g, area, panel, range, panel.curves[i].y, end);
 
-    g.strokePath (curve, juce::PathStrokeType (2.5f));
+        if (panel.curves.size() > 1)
+            g.drawSingleLineText (
+                panel.curves[i].name, juce::roundToInt (area.getX() + legendLeft),
+                juce::roundToInt (area.getBottom() - legendTop - static_cast<float> (i) * legendLine));
+    }
 }
 } // namespace
 

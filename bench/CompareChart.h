@@ -7,12 +7,19 @@
 
 namespace tarvelline::bench
 {
-/** One curve over one quantity. The upright axis starts at 0. */
+struct Curve
+{
+    juce::String name; // shown where there are several
+    std::vector<double> y;
+};
+
+/** Curves over one quantity. The upright axis starts at 0. */
 struct Panel
 {
     juce::String name;  // of the level axis
     bool isLogarithmic; // that axis
-    std::vector<double> x, y;
+    std::vector<double> x;
+    std::vector<Curve> curves; // at most two
 };
 
 /** Draws four panels into one PNG. */

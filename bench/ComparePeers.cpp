@@ -15,13 +15,18 @@ namespace tarvelline::bench
 namespace
 {
 constexpr int largestBlock = 4096;
-constexpr int middleC = 60; // a note that shifts nothing
+constexpr int middleC = 60;        // a note that shifts nothing
+constexpr double wheelSpan = 24.0; // semitones from end to end, as a wheel comes
 
 class Tarvelline final : public Shifter
 {
 public:
-    Tarvelline (double rate, const std::vector<int>& semitones)
+    Tarvelline (double rate, const std::vector<int>& semitones, double timbre)
     {
+        const auto set = [this] (const char* id, double value)
+        { processor.parameters.getParameter (id)->setValueNotifyingHost (static_cast<float> (value)); };
+        set (parameterId::toggleSize, timbre != 0.0 ? 1.0 : 0.0);
+        set (parameterId::timbWheelPar, 0.5 + timbre / wheelSpan);
         processor.midiTransposeMode = false;
         processor.prepareToPlay (rate, largestBlock);
         processor.midiTransposeMode = false;
@@ -94,9 +99,9 @@ private:
 };
 } // namespace
 
-std::unique_ptr<Shifter> startVoices (double rate, const std::vector<int>& semitones)
+std::unique_ptr<Shifter> startVoices (double rate, const std::vector<int>& semitones, double timbre)
 {
-    return std::make_unique<Tarvelline> (rate, semitones);
+    return std::make_unique<Tarvelline> (rate, semitones, timbre);
 }
 
 std::vector<Program> programs()
@@ -107,8 +112,8 @@ std::vector<Program> programs()
         { return std::make_unique<RubberBand> (rate, semitones, engine); };
     };
 
-    return { { "Tarvelline",
-               [] (double rate, double semitones) { return startVoices (rate, { juce::roundToInt (semitones) }); } },
+    return { { "Tarvelline", [] (double rate, double semitones)
+               { return startVoices (rate, { juce::roundToInt (semitones) }, 0.0); } },
              { "Rubber Band R3", rubberBand (::RubberBand::RubberBandStretcher::OptionEngineFiner) },
              { "Rubber Band R2", rubberBand (::RubberBand::RubberBandStretcher::OptionEngineFaster) },
              { "SoundTouch",

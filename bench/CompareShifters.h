@@ -28,8 +28,9 @@ struct Program
 /** This program, then its peers. */
 std::vector<Program> programs();
 
-/** This program in voice mode, with a note held for each shift. */
-std::unique_ptr<Shifter> startVoices (double rate, const std::vector<int>& semitones);
+/** This program in voice mode, with a note held for each shift.
+    @param timbre  semitones by which the timbre is moved against the pitch; 0 leaves it out of use */
+std::unique_ptr<Shifter> startVoices (double rate, const std::vector<int>& semitones, double timbre);
 
 /** What a shifter costs. */
 struct Cost
@@ -47,7 +48,8 @@ void compareShifters();
 /** Prints the table of transforms over lengths, on every instruction set of the machine. */
 void compareTransforms();
 
-/** Writes cost.csv and cost.png into a directory: this program over voices, shift, sample rate and block size. */
+/** Writes cost.csv and cost.png into a directory: this program over voices, shift (with the timbre moved and without), sample
+    rate and block size. */
 void sweepCosts (const std::string& directory);
 
 double median (std::vector<double>);

@@ -2,7 +2,7 @@
 #include "bench/BenchSupport.h"
 #include "bench/CompareShifters.h"
 #include "engine/AlignedVector.h"
-#include "engine/HartleyTransform.h"
+#include "engine/transform/HartleyTransform.h"
 #include "tests/support/InstructionSets.h"
 
 #include <fftw3.h>

@@ -27,41 +27,71 @@ template <class D>
 HWY_INLINE hn::Vec<D> alternatingGuard (D d, std::size_t j)
 {
     const hn::RebindToSigned<D> di;
-    const auto sign = hn::ShiftLeft<31> (hn::Iota (di, static_cast<int> (j + 1)));
+    const auto first = hn::Lanes (d) > 1 ? 1 : static_cast<int> (j + 1); // a vector starts at an even element
+    const auto sign = hn::ShiftLeft<31> (hn::Iota (di, first));
     return hn::Or (hn::Set (d, denormalGuard), hn::BitCast (d, sign));
 }
 
-void ReadStraight (const float* input, const float* window, float* frame, std::size_t length)
+void ReadStraight (const WindowedRead& given)
 {
-    forEachVector (0, length,
+    const auto job = given; // a copy, which no store into a buffer can change: it stays in registers
+
+    for (std::size_t c = 0; c < job.channelCount; ++c)
+        forEachVector (0, job.length,
+                       [=] (auto d, std::size_t j) HWY_ATTR
+                       {
+                           const auto sample =
+                               hn::Mul (hn::LoadU (d, job.inputs[c] + j), hn::LoadU (d, job.window + j));
+                           hn::StoreU (hn::Add (sample, alternatingGuard (d, j)), d, job.frames[c] + j);
+                       });
+}
+
+void ReadStretched (const WindowedRead& given)
+{
+    const auto job = given;
+    const auto limit = static_cast<float> (job.length);
+
+    forEachVector (0, job.length,
                    [=] (auto d, std::size_t j) HWY_ATTR
                    {
-                       const auto sample = hn::Mul (hn::LoadU (d, input + j), hn::LoadU (d, window + j));
-                       hn::StoreU (hn::Add (sample, alternatingGuard (d, j)), d, frame + j);
+                       const auto position = positionOf (d, j, job.ratios);
+                       const auto inside = hn::Lt (position, hn::Set (d, limit));
+                       const Interpolator read (d, position, limit);
+
+                       for (std::size_t c = 0; c < job.channelCount; ++c)
+                       {
+                           const auto sample = hn::Mul (read (job.inputs[c]), hn::LoadU (d, job.window + j));
+                           hn::StoreU (hn::Add (hn::IfThenElseZero (inside, sample), alternatingGuard (d, j)), d,
+                                       job.frames[c] + j);
+                       }
                    });
 }
 
-void ReadStretched (const float* input, const float* ratios, const float* window, float* frame, std::size_t length)
+/** The bins that are active no more: phasors at rest, phases to start afresh. Those above them are so already. */
+void restUpperBins (const AnalysisBins& bins)
 {
-    const auto limit = static_cast<float> (length);
+    if (bins.activeBins >= bins.lastActiveBins)
+        return;
 
-    forEachVector (
-        0, length,
-        [=] (auto d, std::size_t j) HWY_ATTR
+    for (std::size_t c = 0; c < bins.channelCount; ++c)
+    {
+        for (auto* phasors : { bins.channels[c].advance, bins.channels[c].lastPhasor })
         {
-            const auto position = positionOf (d, j, ratios);
-            const auto inside = hn::Lt (position, hn::Set (d, limit));
-            const auto sample = hn::Mul (interpolated (d, input, position, limit), hn::LoadU (d, window + j));
-            hn::StoreU (hn::Add (hn::IfThenElseZero (inside, sample), alternatingGuard (d, j)), d, frame + j);
-        });
+            std::fill (phasors + bins.activeBins, phasors + bins.lastActiveBins, 1.0f);
+            std::fill (phasors + bins.binCount + bins.activeBins, phasors + bins.binCount + bins.lastActiveBins, 0.0f);
+        }
+    }
+
+    std::fill (bins.lockCount + bins.activeBins, bins.lockCount + bins.lastActiveBins, 0.0f);
 }
 
-void MeasureBins (const AnalysisBins& given)
+/** Magnitudes and their sums of the bins of one word; which of them are stable comes back, a bit a bin. */
+HWY_INLINE std::uint64_t measureWord (const AnalysisBins& bins, std::size_t start, std::size_t end)
 {
-    const auto bins = given; // a copy, which no store into a buffer can change: it stays in registers
+    std::uint64_t stable = 0;
 
-    forEachVector (0, bins.activeBins,
-                   [bins] (auto d, std::size_t k) HWY_ATTR
+    forEachVector (start, end,
+                   [&] (auto d, std::size_t k) HWY_ATTR
                    {
                        auto sum = hn::Zero (d);
 
@@ -76,45 +106,50 @@ void MeasureBins (const AnalysisBins& given)
 
                        const auto previous = hn::LoadU (d, bins.sum + k);
                        const auto rise = hn::Div (sum, hn::Add (previous, hn::Set (d, denormalGuard)));
-                       const auto stable = hn::And (hn::Ge (previous, hn::Set (d, onsetFloor)),
+                       const auto steady = hn::And (hn::Ge (previous, hn::Set (d, onsetFloor)),
                                                     hn::Le (rise, hn::LoadU (d, bins.onsetThreshold + k)));
-                       const auto count = hn::Add (hn::LoadU (d, bins.lockCount + k), hn::Set (d, 1.0f));
-                       hn::StoreU (hn::IfThenElseZero (stable, count), d, bins.lockCount + k);
+                       stable |= bitsOf (d, steady) << (k - start);
                        hn::StoreU (sum, d, bins.sum + k);
                    });
+
+    return stable;
 }
 
-std::size_t NextResetPeak (const float* lockCount, const float* sum, std::size_t bin, std::size_t end)
+void MeasureBins (const AnalysisBins& given, BinMasks& masks)
 {
-    const hn::CappedTag<float, 16> d;
+    const auto bins = given;
+    constexpr auto wordBits = BinMasks::wordBits;
 
-    for (; bin + hn::Lanes (d) <= end; bin += hn::Lanes (d))
+    for (std::size_t start = 0; start < bins.activeBins; start += wordBits)
+        masks.resets[start / wordBits] = ~measureWord (bins, start, std::min (start + wordBits, bins.activeBins));
+
+    for (std::size_t start = 0; start < bins.activeBins; start += wordBits)
     {
-        const auto here = hn::LoadU (d, sum + bin);
-        const auto peak = hn::And (
-            hn::Eq (hn::LoadU (d, lockCount + bin), hn::Zero (d)),
-            hn::And (hn::Gt (here, hn::LoadU (d, sum + bin - 1)), hn::Gt (here, hn::LoadU (d, sum + bin + 1))));
+        std::uint64_t rises = 0, falls = 0;
 
-        if (const auto first = hn::FindFirstTrue (d, peak); first >= 0)
-            return bin + static_cast<std::size_t> (first);
+        forEachVector (std::max<std::size_t> (start, 1), std::min (start + wordBits, bins.activeBins),
+                       [&] (auto d, std::size_t k) HWY_ATTR
+                       {
+                           const auto here = hn::LoadU (d, bins.sum + k), below = hn::LoadU (d, bins.sum + k - 1);
+                           rises |= bitsOf (d, hn::Gt (here, below)) << (k - start);
+                           falls |= bitsOf (d, hn::Lt (here, below)) << (k - start);
+                       });
+
+        masks.rises[start / wordBits] = rises;
+        masks.falls[start / wordBits] = falls;
     }
-
-    while (bin < end && ! (lockCount[bin] == 0.0f && sum[bin] > sum[bin - 1] && sum[bin] > sum[bin + 1]))
-        ++bin;
-
-    return bin;
 }
 
-void AdvancePhases (const AnalysisBins& given)
+void AdvancePhases (const AnalysisBins& given, const std::uint64_t* resets)
 {
     const auto bins = given;
 
     forEachVector (0, bins.activeBins,
-                   [bins] (auto d, std::size_t k) HWY_ATTR
+                   [=] (auto d, std::size_t k) HWY_ATTR
                    {
-                       auto count = hn::LoadU (d, bins.lockCount + k);
-                       const auto reset = hn::Eq (count, hn::Zero (d));
+                       const auto reset = maskAt (d, resets, k);
                        const auto one = hn::Set (d, 1.0f);
+                       auto count = hn::IfThenZeroElse (reset, hn::Add (hn::LoadU (d, bins.lockCount + k), one));
 
                        for (std::size_t c = 0; c < bins.channelCount; ++c)
                        {
@@ -140,16 +175,7 @@ void AdvancePhases (const AnalysisBins& given)
                        hn::StoreU (count, d, bins.lockCount + k);
                    });
 
-    for (std::size_t c = 0; c < bins.channelCount; ++c)
-    {
-        for (auto* phasors : { bins.channels[c].advance, bins.channels[c].lastPhasor })
-        {
-            std::fill (phasors + bins.activeBins, phasors + bins.binCount, 1.0f);
-            std::fill (phasors + bins.binCount + bins.activeBins, phasors + 2 * bins.binCount, 0.0f);
-        }
-    }
-
-    std::fill (bins.lockCount + bins.activeBins, bins.lockCount + bins.binCount, 0.0f);
+    restUpperBins (bins);
 }
 } // namespace
 // NOLINTNEXTLINE(google-readability-namespace-comments)
@@ -163,30 +189,22 @@ namespace tarvelline
 HWY_EXPORT (ReadStraight);
 HWY_EXPORT (ReadStretched);
 HWY_EXPORT (MeasureBins);
-HWY_EXPORT (NextResetPeak);
 HWY_EXPORT (AdvancePhases);
 
 namespace kernels
 {
-void readStraight (const float* input, const float* window, float* frame, std::size_t length) noexcept
+void readStraight (const WindowedRead& job) noexcept { HWY_DYNAMIC_DISPATCH (ReadStraight) (job); }
+void readStretched (const WindowedRead& job) noexcept { HWY_DYNAMIC_DISPATCH (ReadStretched) (job); }
+
+void measureBins (const AnalysisBins& bins, BinMasks& masks) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (ReadStraight) (input, window, frame, length);
+    HWY_DYNAMIC_DISPATCH (MeasureBins) (bins, masks);
 }
 
-void readStretched (const float* input, const float* ratios, const float* window, float* frame,
-                    std::size_t length) noexcept
+void advancePhases (const AnalysisBins& bins, const std::vector<std::uint64_t>& resets) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (ReadStretched) (input, ratios, window, frame, length);
+    HWY_DYNAMIC_DISPATCH (AdvancePhases) (bins, resets.data());
 }
-
-void measureBins (const AnalysisBins& bins) noexcept { HWY_DYNAMIC_DISPATCH (MeasureBins) (bins); }
-
-std::size_t nextResetPeak (const float* lockCount, const float* sum, std::size_t bin, std::size_t end) noexcept
-{
-    return HWY_DYNAMIC_DISPATCH (NextResetPeak) (lockCount, sum, bin, end);
-}
-
-void advancePhases (const AnalysisBins& bins) noexcept { HWY_DYNAMIC_DISPATCH (AdvancePhases) (bins); }
 } // namespace kernels
 } // namespace tarvelline
 #endif

@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/EngineTables.h"
+#include "engine/PeakResets.h"
+
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <vector>
 
 namespace tarvelline
 {
@@ -22,39 +27,48 @@ struct AnalysisBins
     std::array<Channel, 2> channels;
     std::size_t channelCount; // 1 or 2
     std::size_t binCount, activeBins;
+    std::size_t lastActiveBins; // of the last frame
     const float* onsetThreshold;
     float* sum;       // magnitudes over channels: in, of the last frame; out, of this one
     float* lockCount; // whole numbers, 0 = phase reset
 };
 
+/** What a frame is made of. */
+struct WindowedRead
+{
+    std::array<const float*, 2> inputs; // N + 1 samples and readAhead
+    std::array<float*, 2> frames;
+    std::size_t channelCount; // 1 or 2
+    const float* window;
+    const float* ratios; // of each sample of the frame
+    std::size_t length;  // N
+};
+
 /** frame[j] = input[j] * window[j], with a trace of alternating sign that keeps silence off zero. */
-void readStraight (const float* input, const float* window, float* frame, std::size_t length) noexcept;
+void readStraight (const WindowedRead&) noexcept;
 
-/** The same, reading between the samples: at j * ratios[j], nothing from `length` on. The input has length + 1 samples and
-    readAhead. */
-void readStretched (const float* input, const float* ratios, const float* window, float* frame,
-                    std::size_t length) noexcept;
+/** The same, reading between the samples: at j * ratios[j], nothing from N on. */
+void readStretched (const WindowedRead&) noexcept;
 
-/** Magnitudes, their sum over channels, and the count of frames for which each bin has not risen. */
-void measureBins (const AnalysisBins&) noexcept;
+/** Magnitudes, their sum over channels, which bins are reset because they rose, and what the sums do from bin to bin. */
+void measureBins (const AnalysisBins&, BinMasks&) noexcept;
 
-/** The first bin from `bin` up to `end` that is reset and louder than both neighbours; `end` if there is none. */
-std::size_t nextResetPeak (const float* lockCount, const float* sum, std::size_t bin, std::size_t end) noexcept;
-
-/** Unit phasors, and how far each has turned since the last frame where the bin is not reset. Bins above the active ones
-    end at rest. A count of `renormaliseAdvanceAt` starts again at 1. */
-void advancePhases (const AnalysisBins&) noexcept;
+/** Counts the frames for which each bin has not been reset, and makes unit phasors, and how far each has turned since the
+    last frame where its bin is not reset. Bins above the active ones end at rest. A count of `renormaliseAdvanceAt` starts
+    again at 1. */
+void advancePhases (const AnalysisBins&, const std::vector<std::uint64_t>& resets) noexcept;
 
 /** The spectral envelope of one or two channels, and where it is to go. */
 struct EnvelopeWarp
 {
+    const EnvelopeSegments* segments; // of the smoother that makes the envelope
     std::array<const float*, 2> magnitudes;
-    std::array<float*, 2> shaped; // the magnitudes with their envelope moved
-    std::size_t channelCount;     // 1 or 2
-    std::size_t binCount;
-    const float* coefficients; // of the smoother that makes the envelope
-    float ratio;               // frequency of the envelope in / out
-    float* envelopes;          // scratch: 2 K + 2
+    std::array<float*, 2> shaped;          // the magnitudes with their envelope moved
+    std::size_t channelCount;              // 1 or 2
+    std::size_t binCount;                  // K
+    std::size_t bins;                      // the lowest ones, whose magnitudes are to be shaped
+    float ratio;                           // frequency of the envelope in / out
+    std::array<float*, 2> rows, envelopes; // scratch: K, and K + 1 with readAhead
 };
 
 void warpEnvelope (const EnvelopeWarp&) noexcept;

@@ -13,6 +13,7 @@
     #include <hwy/highway.h>
 
     #include <cstdint>
+    #include <cstring>
 
 HWY_BEFORE_NAMESPACE();
 namespace tarvelline
@@ -50,6 +51,25 @@ HWY_INLINE Complex<V> normalisedWhere (D d, M due, const Complex<V>& z)
     return choose (due, Complex<V> { hn::Mul (z.re, scale), hn::Mul (z.im, scale) }, z);
 }
 
+/** The mask's bits, that of the lowest lane first. */
+template <class D, class M>
+HWY_INLINE std::uint64_t bitsOf (D d, M mask)
+{
+    std::uint8_t bytes[8] {};
+    hn::StoreMaskBits (d, mask, bytes);
+    return bytes[0] | std::uint64_t { bytes[1] } << 8; // 16 lanes at most
+}
+
+/** The mask of elements from k on, out of words that hold a bit an element. They do not reach into the next word. */
+template <class D>
+HWY_INLINE hn::Mask<D> maskAt (D d, const std::uint64_t* words, std::size_t k)
+{
+    const auto bits = words[k / 64] >> (k % 64);
+    std::uint8_t bytes[8] {};
+    std::memcpy (bytes, &bits, sizeof (bits));
+    return hn::LoadMaskBits (d, bytes);
+}
+
 /** j, j + 1, ... By way of the signed type, for which machines have an instruction. */
 template <class D>
 HWY_INLINE hn::Vec<D> countFrom (D d, std::size_t j)
@@ -64,75 +84,100 @@ HWY_INLINE hn::Vec<D> positionOf (D d, std::size_t j, const float* ratios)
     return hn::Mul (countFrom (d, j), hn::LoadU (d, ratios + j));
 }
 
-/** A sample of a frame and the one after it, for each lane. */
-template <class V>
-struct Neighbours
+/** Reads frames between their samples, all at the same positions: where from, and how much of the next sample, is found
+    once. Positions from `length` on give some value of the frame. A frame is read up to frame[length]; `readAhead` more may
+    be touched. This one gathers its samples one by one. */
+template <class D, bool permutes = (hn::MaxLanes (D()) >= 8)>
+class Interpolator
 {
-    V here, next;
+    using V = hn::Vec<D>;
+    using DI = hn::RebindToSigned<D>;
+
+public:
+    HWY_INLINE Interpolator (D, V position, float length)
+        : index (hn::ConvertTo (DI(), hn::Min (position, hn::Set (D(), length - 1.0f)))),
+          fraction (hn::Sub (position, hn::ConvertTo (D(), index)))
+    {
+    }
+
+    HWY_INLINE V operator() (const float* frame) const
+    {
+        return between (truncated (frame), hn::GatherIndex (D(), frame + 1, index));
+    }
+
+    /** The samples at or below the positions. */
+    HWY_INLINE V truncated (const float* frame) const { return hn::GatherIndex (D(), frame, index); }
+
+protected:
+    HWY_INLINE V between (V here, V next) const { return hn::MulAdd (hn::Sub (next, here), fraction, here); }
+
+    hn::Vec<DI> index;
+    V fraction;
 };
 
     #if HWY_TARGET != HWY_SCALAR
-/** Two neighbouring vectors as one table. Lanes of `at` are 0 to twice the vector's length, exclusive. */
-template <class D, class V = hn::Vec<D>, class VI = hn::Vec<hn::RebindToSigned<D>>>
-HWY_INLINE V lookUp (D d, V first, V second, VI at)
+/** Where all lanes read within two vectors of the first one's sample, as they do at all ratios up to nearly 2, a few loads
+    and permutations do for a gather. */
+template <class D>
+class Interpolator<D, true> : public Interpolator<D, false>
 {
-    const hn::RebindToSigned<D> di;
-    const auto length = hn::Set (di, static_cast<int> (hn::Lanes (d)));
-    const auto indices = hn::IndicesFromVec (d, hn::And (at, hn::Sub (length, hn::Set (di, 1))));
-    return hn::IfThenElse (hn::RebindMask (d, hn::Lt (at, length)), hn::TableLookupLanes (first, indices),
-                           hn::TableLookupLanes (second, indices));
-}
+    using V = hn::Vec<D>;
+    using DI = hn::RebindToSigned<D>;
+    static constexpr auto lanes = static_cast<int> (hn::MaxLanes (D()));
 
-/** Where all lanes read within two vectors of the first one's sample, as they do at all ratios up to nearly 2, two loads
-    and a few permutations do for a gather. */
-template <class D, class VI = hn::Vec<hn::RebindToSigned<D>>>
-HWY_INLINE Neighbours<hn::Vec<D>> neighbours (D d, const float* frame, VI index)
-{
-    const hn::RebindToSigned<D> di;
-    const auto first = hn::GetLane (index);
-    const auto lanes = static_cast<int> (hn::Lanes (d));
-    const auto at = hn::Sub (index, hn::Set (di, first)), one = hn::Set (di, 1);
-
-    if (HWY_LIKELY (
-            hn::AllTrue (di, hn::And (hn::Gt (at, hn::Set (di, -1)), hn::Lt (at, hn::Set (di, 2 * lanes - 1))))))
+public:
+    HWY_INLINE Interpolator (D d, V position, float length)
+        : Interpolator<D, false> (d, position, length), first (hn::GetLane (this->index)),
+          distance (hn::Sub (this->index, hn::Set (DI(), first))),
+          second (hn::Gt (distance, hn::Set (DI(), lanes - 1))),
+          lane (hn::IndicesFromVec (d, hn::And (distance, hn::Set (DI(), lanes - 1)))),
+          isNear (hn::AllTrue (
+              DI(), hn::And (hn::Gt (distance, hn::Set (DI(), -1)), hn::Lt (distance, hn::Set (DI(), 2 * lanes)))))
     {
-        const auto low = hn::LoadU (d, frame + first), high = hn::LoadU (d, frame + first + lanes);
-        return { lookUp (d, low, high, at), lookUp (d, low, high, hn::Add (at, one)) };
     }
 
-    // A sample and its neighbour at once: half as many elements to gather.
-    const hn::RepartitionToWide<decltype (di)> dPair;
-    const hn::Half<decltype (di)> diHalf;
-    const auto gather = [&] (auto half) HWY_ATTR
+    HWY_INLINE V operator() (const float* frame) const
     {
-        return hn::BitCast (d, hn::GatherOffset (dPair, reinterpret_cast<const std::int64_t*> (frame),
-                                                 hn::ShiftLeft<2> (hn::PromoteTo (dPair, half))));
-    };
-    const auto low = gather (hn::LowerHalf (diHalf, index)), high = gather (hn::UpperHalf (diHalf, index));
-    return { hn::ConcatEven (d, high, low), hn::ConcatOdd (d, high, low) };
-}
+        return HWY_LIKELY (isNear) ? this->between (lookUp (frame + first), lookUp (frame + first + 1))
+                                   : gather (frame);
+    }
+
+    HWY_INLINE V truncated (const float* frame) const
+    {
+        return HWY_LIKELY (isNear) ? lookUp (frame + first) : Interpolator<D, false>::truncated (frame);
+    }
+
+private:
+    HWY_INLINE V lookUp (const float* from) const
+    {
+        const D d;
+        return hn::IfThenElse (hn::RebindMask (d, second), hn::TableLookupLanes (hn::LoadU (d, from + lanes), lane),
+                               hn::TableLookupLanes (hn::LoadU (d, from), lane));
+    }
+
+    /** A sample and its neighbour at once: half as many elements to gather. */
+    HWY_INLINE V gather (const float* frame) const
+    {
+        const D d;
+        const hn::RepartitionToWide<DI> dPair;
+        const hn::Half<DI> diHalf;
+        const auto pairsOf = [=] (auto half) HWY_ATTR
+        {
+            return hn::BitCast (d, hn::GatherOffset (dPair, reinterpret_cast<const std::int64_t*> (frame),
+                                                     hn::ShiftLeft<2> (hn::PromoteTo (dPair, half))));
+        };
+        const auto low = pairsOf (hn::LowerHalf (diHalf, this->index)),
+                   high = pairsOf (hn::UpperHalf (diHalf, this->index));
+        return this->between (hn::ConcatEven (d, high, low), hn::ConcatOdd (d, high, low));
+    }
+
+    int first;
+    hn::Vec<DI> distance; // from the first lane's sample
+    hn::Mask<DI> second;  // lanes that read in the second vector from there
+    decltype (hn::IndicesFromVec (D(), hn::Vec<DI>())) lane;
+    bool isNear;
+};
     #endif
-
-/** The values of `frame` between its samples; positions from `length` on give some value of the frame. Reads the frame up
-    to frame[length], and may touch `readAhead` more. */
-template <class D, class V = hn::Vec<D>>
-HWY_INLINE V interpolated (D d, const float* frame, V position, float length)
-{
-    const hn::RebindToSigned<D> di;
-    const auto last = hn::Set (d, length - 1.0f);
-    const auto index = hn::ConvertTo (di, hn::Min (position, last));
-    const auto fraction = hn::Sub (position, hn::ConvertTo (d, index));
-    Neighbours<V> samples;
-
-    #if HWY_TARGET != HWY_SCALAR
-    if constexpr (hn::MaxLanes (d) >= 8)
-        samples = neighbours (d, frame, index);
-    else
-    #endif
-        samples = { hn::GatherIndex (d, frame, index), hn::GatherIndex (d, frame + 1, index) };
-
-    return hn::MulAdd (hn::Sub (samples.next, samples.here), fraction, samples.here);
-}
 
 // NOLINTNEXTLINE(google-readability-namespace-comments)
 } // namespace HWY_NAMESPACE

@@ -59,8 +59,6 @@ void EngineBank::setSampleRate (float hertz) noexcept
     sampleRate = hertz >= 1.0f && std::isfinite (hertz) ? hertz : 44100.0f;
 }
 
-int EngineBank::frameSizeFor (float sampleRate) noexcept { return frameChoiceFor (sampleRate).frameSize; }
-
 void EngineBank::rebuildEngines()
 {
     ready = false;
@@ -113,27 +111,8 @@ void EngineBank::process (const BankRun& run, VoiceSlots& voices,
         if (voice.activeSamples == 0)
             continue;
 
-        voices[slot].started = false;
         runVoice (run, voices[slot].index, voices[slot].semitones, voice.levels.data(), voice.activeSamples);
     }
-}
-
-void EngineBank::processFrame (const FrameControls& controls, VoiceSlots& voices, const float* in, float* out,
-                               int channels) noexcept
-{
-    VoiceLevels levels;
-
-    for (std::size_t slot = 0; slot < voices.size(); ++slot)
-    {
-        levels.voices[slot].activeSamples = voices[slot].active ? 1 : 0;
-        levels.voices[slot].levels[0] = voices[slot].level;
-    }
-
-    const float* const inputs[] = { in, in + channels - 1 };
-    float* const outputs[] = { out, out + channels - 1 };
-    process ({ &controls.pitchSemitones, &controls.timbreSemitones, controls.transposeMode, controls.timbreInUse,
-               inputs, outputs, channels, 1 },
-             voices, levels);
 }
 
 /** @param levels  nullptr: full gain, as the one engine of transpose mode has it, whose timbre follows the wheel alone */

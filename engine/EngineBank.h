@@ -10,21 +10,13 @@
 
 namespace tarvelline
 {
-/** What one sample frame asks of the bank. */
-struct FrameControls
-{
-    float pitchSemitones = 0.0f;
-    float timbreSemitones = 0.0f;
-    bool transposeMode = true; // one engine, transposed; otherwise one engine a held note
-    bool timbreInUse = false;  // otherwise the envelope moves with the pitch
-};
-
 /** A run of samples, at most `longestRun`, through the bank: one value a sample in every array. */
 struct BankRun
 {
     const float *pitchSemitones, *timbreSemitones;
-    bool transposeMode, timbreInUse; // as in FrameControls
-    const float* const* in;          // a pointer a channel, as is out; the two do not overlap
+    bool transposeMode;     // one engine, transposed; otherwise one engine a held note
+    bool timbreInUse;       // otherwise the envelope moves with the pitch
+    const float* const* in; // a pointer a channel, as is out; the two do not overlap
     float* const* out;
     int channels; // 1 or 2
     int count;
@@ -48,20 +40,13 @@ public:
     void destroyEngines() noexcept;
 
     bool isReady() const noexcept { return ready; }
-    float getSampleRate() const noexcept { return sampleRate; }
     int getFrameSize() const noexcept { return frameSize; }
-
-    /** The frame length for a sample rate in Hz. */
-    static int frameSizeFor (float sampleRate) noexcept;
 
     /** A run of samples in, the sum of all sounding voices out; call it only when ready.
         In voice mode every slot runs its engine while it is active and is added with its level (none while that is below
-        zero); in transpose mode engine 0 alone runs, at full gain. Clears `started` of the voices it runs.
+        zero); in transpose mode engine 0 alone runs, at full gain.
         @param levels  read in voice mode only */
     void process (const BankRun&, VoiceSlots&, const VoiceLevels& levels) noexcept TARVELLINE_REAL_TIME;
-
-    /** One sample a channel: process() with the slots as they stand. */
-    void processFrame (const FrameControls&, VoiceSlots&, const float* in, float* out, int channels) noexcept;
 
     /** The dry signal of a channel, N samples late: keeps the samples and puts the oldest in their place. */
     void delayDry (int channel, float* samples, int count) noexcept

@@ -3,7 +3,8 @@
 
 #include "engine/AlignedVector.h"
 #include "engine/EngineTables.h"
-#include "engine/HartleyTransform.h"
+#include "engine/PeakResets.h"
+#include "engine/transform/HartleyTransform.h"
 
 #include <array>
 #include <cstddef>
@@ -18,7 +19,8 @@ struct EngineResources
 {
     /** The parameters are those of EngineTables. Allocates. */
     EngineResources (int frameLength, float frequencyScale, float sampleRate)
-        : tables (frameLength, frequencyScale, sampleRate), transform (frameLength)
+        : tables (frameLength, frequencyScale, sampleRate), transform (frameLength),
+          masks (static_cast<std::size_t> (frameLength) / 2)
     {
         const auto length = static_cast<std::size_t> (frameLength);
 
@@ -26,7 +28,11 @@ struct EngineResources
             for (auto& frame : *band)
                 frame.resize (length + 1 + readAhead);
 
-        envelopes.resize (length + 2);
+        for (auto& row : envelopeRows)
+            row.resize (length / 2);
+
+        for (auto& envelope : envelopes)
+            envelope.resize (length / 2 + 1 + readAhead);
     }
 
     const EngineTables tables;
@@ -35,6 +41,8 @@ struct EngineResources
     // A frame a channel: N values, one more to interpolate into (always 0) and readAhead. The low one serves the analysis too.
     std::array<AlignedVector<float>, 2> low, high;
 
-    AlignedVector<float> envelopes; // N + 2: of both channels, while the envelope is moved
+    BinMasks masks;
+    // While the envelope is moved, a channel each: K values in the order of EnvelopeSegments; K in their own, one more and readAhead.
+    std::array<AlignedVector<float>, 2> envelopeRows, envelopes;
 };
 } // namespace tarvelline

@@ -12,10 +12,6 @@ namespace tarvelline
 {
 namespace
 {
-constexpr float hopShare = 1.0f / 8.0f;  // hops are spans over the overlap factor of 8
-constexpr float resynthesisGain = 0.26f; // eight overlapping squared sine windows sum to 4: 1.04 in all
-constexpr int minimumInitialSpan = 400;  // samples; the shortest synthesis span that an engine starts with ...
-constexpr int minimumSpan = 250;         // ... and the shortest that a ratio leads to
 constexpr float minimumRatio = 1.0e-10f;
 constexpr float maximumRatio = 96.0f;
 constexpr float minimumFormantRatio = 0.001f; // in place of a negative one
@@ -26,8 +22,6 @@ float heldToRange (float ratio) noexcept
 {
     return ratio >= minimumRatio ? std::min (ratio, maximumRatio) : minimumRatio;
 }
-
-int scaledLength (int length, float factor) noexcept { return static_cast<int> (static_cast<float> (length) * factor); }
 
 constexpr auto quietestBits = std::bit_cast<std::uint32_t> (std::numeric_limits<float>::min()); // of normal numbers
 constexpr auto loudestBits = std::bit_cast<std::uint32_t> (loudestSample);
@@ -49,25 +43,20 @@ void PitchShiftEngine::prepare (int frameLength, float frequencyScale, float sam
 
 void PitchShiftEngine::prepare (std::shared_ptr<EngineResources> shared)
 {
-    ready = false;
     resources = std::move (shared);
     frameSize = resources->transform.getLength();
-    inRingMask = frameSize - 1;
-    outRingMask = 2 * frameSize - 1;
     binCount = frameSize / 2;
-    outputGain = resynthesisGain / static_cast<float> (frameSize);
 
     const auto n = static_cast<std::size_t> (frameSize), k = n / 2, more = static_cast<std::size_t> (readAhead);
     ratioHistory.resize (2 * n);
     lockCount.resize (k);
     magnitudeSum.resize (k);
-    wideOverSpan.resize (n);
-    narrowOverSpan.resize (n);
+    windows.prepare (resources->tables, frameSize);
 
     for (auto& channel : channelState)
     {
         channel.inRing.resize (2 * n + more);
-        channel.outRing.resize (2 * n);
+        channel.outRing.resize (n);
 
         for (auto* perBin : { &channel.magnitude, &channel.shapedMagnitude })
             perBin->resize (k);
@@ -78,19 +67,10 @@ void PitchShiftEngine::prepare (std::shared_ptr<EngineResources> shared)
 
     requestedRatio = appliedRatio = 1.0f;
     formantRatio = appliedFormantRatio = 1.0f;
-    inPos = outPos = 0;
+    geometry = { frameSize, 1.0f };
+    position = 0;
     channelCount = maxChannels;
     reset();
-
-    analysisSpan = frameSize;
-    analysisHop = scaledLength (analysisSpan, hopShare);
-    synthesisSpan = std::max (frameSize, minimumInitialSpan);
-    synthesisHop = scaledLength (synthesisSpan, hopShare);
-    overlapLength = frameSize - analysisHop;
-    activeBins = binCount;
-    windowedSpan = 0; // of other tables
-    resampleWindows();
-    ready = true;
 }
 
 void PitchShiftEngine::reset() noexcept
@@ -107,6 +87,7 @@ void PitchShiftEngine::reset() noexcept
                               &channel.advance, &channel.lastPhasor })
             clear (*buffer); // synthPhasor stays: with every bin unlocked the next frame overwrites it
 
+    analysedBins = binCount; // of those that rest now none is at rest
     analysisCounter = synthesisCounter = 0;
 }
 
@@ -116,75 +97,76 @@ void PitchShiftEngine::setRatios (float pitchRatio, float newFormantRatio) noexc
     formantRatio = newFormantRatio >= 0.0f ? newFormantRatio : minimumFormantRatio;
 }
 
-void PitchShiftEngine::processFrame (const float* in, float* out, int channels) noexcept
-{
-    const float* const inputs[] = { in, in + channels - 1 };
-    float* const outputs[] = { out, out + channels - 1 };
-    process ({ &requestedRatio, &formantRatio, inputs, outputs, channels, 1 });
-}
-
 void PitchShiftEngine::process (const EngineRun& run) noexcept TARVELLINE_REAL_TIME
 {
-    assert (ready && run.channels >= 1 && run.channels <= maxChannels);
+    assert (resources != nullptr && run.channels >= 1 && run.channels <= maxChannels);
     channelCount = run.channels;
 
     for (int done = 0; done < run.count;)
     {
         const auto count = std::min (samplesToBoundary(), run.count - done);
-        exchangeSamples (run, done, count);
+        recordRatios (run.pitchRatios + done, count);
+
+        for (int c = 0; c < channelCount; ++c)
+        {
+            auto& channel = channelState[static_cast<std::size_t> (c)];
+            writeInput (channel, run.in[c] + done, count);
+            readOutput (channel, run.out[c] + done, count);
+        }
+
         done += count;
         setRatios (run.pitchRatios[done - 1], run.formantRatios[done - 1]);
         advance (count);
     }
 }
 
-/** Up to the next frame, or to the end of a ring. At least 1: a hop may have become shorter than the time since a frame. */
+/** Up to the next frame, or to the end of the rings. At least 1: a hop may have become shorter than the time since a frame. */
 int PitchShiftEngine::samplesToBoundary() const noexcept
 {
-    const auto toFrame = std::min (analysisHop - analysisCounter, synthesisHop - synthesisCounter);
-    return std::min (std::max (toFrame, 1), frameSize - inPos);
+    const auto toFrame = std::min (geometry.analysisHop - analysisCounter, geometry.synthesisHop - synthesisCounter);
+    return std::min (std::max (toFrame, 1), frameSize - position);
 }
 
-void PitchShiftEngine::exchangeSamples (const EngineRun& run, int first, int count) noexcept
+void PitchShiftEngine::recordRatios (const float* ratios, int count) noexcept
 {
-    auto* ratios = ratioHistory.data() + inPos;
+    auto* history = ratioHistory.data() + position;
 
     for (int i = 0; i < count; ++i)
     {
-        ratios[i] = ratios[i + frameSize] = heldToRange (run.pitchRatios[first + i]);
-        unityRun = ratios[i] == 1.0f ? unityRun + 1 : 0;
+        history[i] = history[i + frameSize] = heldToRange (ratios[i]);
+        unityRun = history[i] == 1.0f ? unityRun + 1 : 0;
     }
 
     unityRun = std::min (unityRun, frameSize);
+}
 
-    for (int c = 0; c < channelCount; ++c)
-    {
-        auto& channel = channelState[static_cast<std::size_t> (c)];
-        const auto* in = run.in[c] + first;
-        auto* ring = channel.inRing.data() + inPos;
+void PitchShiftEngine::writeInput (Channel& channel, const float* samples, int count) noexcept
+{
+    auto* ring = channel.inRing.data() + position;
 
-        for (int i = 0; i < count; ++i)
-            ring[i] = ring[i + frameSize] = soundSample (in[i]);
+    for (int i = 0; i < count; ++i)
+        ring[i] = ring[i + frameSize] = soundSample (samples[i]);
+}
 
-        std::copy_n (channel.outRing.data() + ((outPos - frameSize) & outRingMask), count, run.out[c] + first);
-    }
+void PitchShiftEngine::readOutput (const Channel& channel, float* samples, int count) const noexcept
+{
+    std::copy_n (channel.outRing.data() + position, count, samples);
 }
 
 /** Moves the cursors on, and makes the frames that are due. */
 void PitchShiftEngine::advance (int samples) noexcept
 {
-    outPos = (outPos + samples) & outRingMask;
-    inPos = (inPos + samples) & inRingMask;
+    position = (position + samples) % frameSize;
     analysisCounter += samples;
     synthesisCounter += samples;
 
-    if (analysisCounter >= analysisHop)
+    if (analysisCounter >= geometry.analysisHop)
     {
         analysisCounter = 0;
         analyseFrame();
     }
 
-    if (synthesisCounter >= synthesisHop)
+    if (synthesisCounter >= geometry.synthesisHop)
     {
         synthesisCounter = 0;
         synthesiseFrame();
@@ -197,47 +179,18 @@ void PitchShiftEngine::updateRatio() noexcept
     if (requestedRatio == appliedRatio)
         return;
 
-    const auto oldSpan = synthesisSpan;
+    const auto oldSpan = geometry.synthesisSpan;
     appliedRatio = requestedRatio;
-
-    if (appliedRatio < 1.0f)
-        stretchAnalysis (appliedRatio);
-    else
-        compressSynthesis (appliedRatio);
-
-    clearOutput (std::min (oldSpan, synthesisSpan), std::max (oldSpan, synthesisSpan));
-    resampleWindows();
-}
-
-void PitchShiftEngine::stretchAnalysis (float ratio) noexcept
-{
-    analysisSpan = std::max (scaledLength (frameSize, ratio), minimumSpan);
-    analysisHop = scaledLength (analysisSpan, hopShare);
-    synthesisSpan = frameSize;
-    synthesisHop = scaledLength (frameSize, hopShare);
-    overlapLength = frameSize - synthesisHop;
-    activeBins = scaledLength (binCount, ratio);
-}
-
-void PitchShiftEngine::compressSynthesis (float ratio) noexcept
-{
-    const auto inverseRatio = 1.0f / ratio;
-
-    analysisSpan = frameSize;
-    analysisHop = scaledLength (frameSize, hopShare);
-    synthesisSpan = std::max (scaledLength (frameSize, inverseRatio), minimumSpan);
-    synthesisHop = scaledLength (synthesisSpan, hopShare);
-    overlapLength = synthesisSpan - synthesisHop;
-    activeBins = scaledLength (binCount, inverseRatio);
+    geometry = { frameSize, appliedRatio };
+    clearOutput (std::min (oldSpan, geometry.synthesisSpan), std::max (oldSpan, geometry.synthesisSpan));
+    windows.layOver (geometry.synthesisSpan, resources->low[0].data());
 }
 
 void PitchShiftEngine::clearOutput (int firstOffset, int endOffset) noexcept
 {
-    const auto base = outPos - frameSize;
-
     for (int c = 0; c < channelCount; ++c)
         for (int j = firstOffset; j < endOffset; ++j)
-            channelState[static_cast<std::size_t> (c)].outRing[static_cast<std::size_t> ((base + j) & outRingMask)] =
+            channelState[static_cast<std::size_t> (c)].outRing[static_cast<std::size_t> ((position + j) % frameSize)] =
                 0.0f;
 }
 } // namespace tarvelline

@@ -4,7 +4,9 @@
 #include "engine/AlignedVector.h"
 #include "engine/AnalysisKernels.h"
 #include "engine/EngineResources.h"
+#include "engine/Geometry.h"
 #include "engine/RealTime.h"
+#include "engine/SpanWindows.h"
 
 #include <array>
 #include <memory>
@@ -23,7 +25,7 @@ struct EngineRun
 
 /** Shifts the pitch of one or two channels by any ratio, and their spectral envelope by another.
 
-    A phase vocoder with eightfold overlap, driven sample by sample: every hop (N / 8 samples at ratio 1) a frame is
+    A phase vocoder with eightfold overlap, driven by runs of samples: every hop (N / 8 samples at ratio 1) a frame is
     analysed, its bins' phases are carried on, and the frame is overlap-added, resampled by the pitch ratio. Upwards the
     resynthesised frame is read back compressed; downwards the analysis reads its oldest N * ratio samples stretched over
     the frame. Below about 650 Hz the whole frame is heard, above it only the middle quarter, which keeps transients sharp.
@@ -32,12 +34,11 @@ struct EngineRun
             (1 + i) times its Fourier coefficient.
     Units: ratios are frequency out / frequency in (2 = an octave up); samples nominally -1 .. 1.
     Latency: N samples, whatever the ratio. Gain: about 1.04 on a steady signal at ratio 1.
-    Threads: prepare() and reset() while audio is stopped; setRatios(), process() and processFrame() on the audio thread.
+    Threads: prepare() and reset() while audio is stopped; setRatios() and process() on the audio thread.
     Real time: processing never allocates, locks or throws. A sample costs O(channels), and once a hop there are one
             forward or two inverse transforms a channel; all memory comes from prepare().
     Errors: none reported. Ratios are clamped; processing unprepared is a caller's fault (asserted). A sample
-            that is subnormal, not finite or beyond +-1e4 counts as 0. After the last two, or subnormal ones in one
-            channel alone, the phases go on from where they were before.
+            that is subnormal, not finite or beyond +-1e4 counts as 0.
 
     Sources: Flanagan and Golden, "Phase vocoder", Bell Syst. Tech. J. 45(9), 1966: magnitude and phase advance a bin.
             Laroche and Dolson, "Improved phase vocoder time-scale modification of audio", IEEE Trans. Speech Audio
@@ -61,25 +62,18 @@ public:
     /** Clears all signal state, keeps ratios and memory. */
     void reset() noexcept;
 
-    bool isReady() const noexcept { return ready; }
-    int getFrameSize() const noexcept { return frameSize; }
-
     /** Asks for a pitch ratio (held to 1e-10 .. 96) and an envelope ratio (1 = envelope untouched; below 0 becomes 0.001).
         A NaN counts as below. The pitch ratio takes effect inside the next frame, its geometry at the next frame boundary. */
     void setRatios (float pitchRatio, float newFormantRatio) noexcept;
 
-    /** A run of samples in, as many out, N samples later: the same to the bit as setRatios() and processFrame() for each
-        of them, and much cheaper. */
+    /** A run of samples in, as many out, N samples later. Where a run is cut makes no difference to the bit. */
     void process (const EngineRun&) noexcept TARVELLINE_REAL_TIME;
-
-    /** One sample a channel in, one out, at the ratios set. `channels` is 1 or 2. */
-    void processFrame (const float* in, float* out, int channels) noexcept;
 
 private:
     struct Channel
     {
         AlignedVector<float> inRing;    // 2 N: every sample twice, N apart, so that a frame is one run; and readAhead
-        AlignedVector<float> outRing;   // 2 N
+        AlignedVector<float> outRing;   // N
         AlignedVector<float> magnitude; // K: of the last analysis frame
         AlignedVector<float> shapedMagnitude;                  // K: with the envelope warped
         AlignedVector<float> advance, lastPhasor, synthPhasor; // N: unit phasors, pair layout
@@ -87,49 +81,32 @@ private:
 
     // Samples in and out (PitchShiftEngine.cpp)
     int samplesToBoundary() const noexcept;
-    void exchangeSamples (const EngineRun&, int first, int count) noexcept;
+    void recordRatios (const float* ratios, int count) noexcept;
+    void writeInput (Channel&, const float* samples, int count) noexcept;
+    void readOutput (const Channel&, float* samples, int count) const noexcept;
     void advance (int samples) noexcept;
-
-    // Ratio and geometry (PitchShiftEngine.cpp)
     void updateRatio() noexcept;
-    void stretchAnalysis (float ratio) noexcept;
-    void compressSynthesis (float ratio) noexcept;
     void clearOutput (int firstOffset, int endOffset) noexcept;
 
     // Analysis frame (PitchShiftAnalysis.cpp)
     void analyseFrame() noexcept;
     void readWindowedInput() noexcept;
-    void spreadResetsOverPeaks() noexcept;
-    int resetUpwards (int bin) noexcept;
-    void resetDownwards (int bin, float lowestBin) noexcept;
     void warpEnvelope() noexcept;
     kernels::AnalysisBins analysisBins() noexcept;
 
     // Synthesis frame (PitchShiftSynthesis.cpp)
     void synthesiseFrame() noexcept;
-    void turnPhasors (std::size_t channel) noexcept;
-    void overlapAdd (std::size_t channel) noexcept;
-    void resampleWindows() noexcept;
+    void turnPhasors (std::size_t channel, int lowBins) noexcept;
+    void overlapAdd() noexcept;
 
-    int frameSize = 0;   // N
-    int binCount = 0;    // K
-    int inRingMask = 0;  // N - 1
-    int outRingMask = 0; // 2 N - 1
-    bool ready = false;
+    int frameSize = 0; // N
+    int binCount = 0;  // K
 
-    // Geometry of the applied ratio, in samples or bins
-    int analysisSpan = 0;  // input covered by an analysis frame
-    int analysisHop = 0;   // a span over the overlap factor
-    int synthesisSpan = 0; // output covered by a synthesis frame
-    int synthesisHop = 0;  // a span over the overlap factor
-    int overlapLength = 0; // the part of a new frame that is added onto earlier frames
-    int activeBins = 0;    // bins that stay below the Nyquist frequency
-    float outputGain = 0.0f;
-
-    float requestedRatio = 1.0f, appliedRatio = 1.0f;
+    Geometry geometry;
+    float requestedRatio = 1.0f, appliedRatio = 1.0f; // the geometry is that of the applied one
     float formantRatio = 1.0f, appliedFormantRatio = 1.0f;
 
-    int inPos = 0, outPos = 0;
+    int position = 0;                              // in all rings: the oldest sample, and the next
     int analysisCounter = 0, synthesisCounter = 0; // samples since the last frame
     int channelCount = maxChannels;
 
@@ -137,13 +114,11 @@ private:
     int unityRun = 0;                  // samples, at most N, for which that ratio has been exactly 1
     AlignedVector<float> lockCount;    // K: frames for which a bin has stayed stable; 0 = phase reset
     AlignedVector<float> magnitudeSum; // K: over channels, in the last analysis frame
+    int analysedBins = 0;              // active ones in the last analysis frame
+    int shapedBins = 0;                // the lowest ones, whose envelope is warped
+    SpanWindows windows;
 
-    // The windows at each output sample of a frame whose span is not N
-    AlignedVector<float> wideOverSpan, narrowOverSpan; // N
-    int narrowStart = 0, narrowEnd = 0;                // where the narrow one is not 0
-    int windowedSpan = 0;                              // the span they are made for
-
-    std::shared_ptr<EngineResources> resources;
+    std::shared_ptr<EngineResources> resources; // none while unprepared
     std::array<Channel, maxChannels> channelState;
 };
 } // namespace tarvelline

@@ -3,20 +3,33 @@
 #include "engine/PitchShiftEngine.h"
 #include "engine/SynthesisKernels.h"
 
+#include <algorithm>
+
 namespace tarvelline
 {
+namespace
+{
+constexpr float resynthesisGain = 0.26f; // eight overlapping squared sine windows sum to 4: 1.04 in all
+} // namespace
+
 void PitchShiftEngine::synthesiseFrame() noexcept
 {
+    if (appliedFormantRatio != 1.0f && geometry.activeBins > shapedBins)
+        warpEnvelope();
+
+    const auto lowBins = std::min (resources->tables.lowBandEnd, geometry.activeBins);
+
     for (std::size_t c = 0; c < static_cast<std::size_t> (channelCount); ++c)
     {
-        turnPhasors (c);
-        resources->transform.inverse (resources->low[c].data());
-        resources->transform.inverse (resources->high[c].data());
-        overlapAdd (c);
+        turnPhasors (c, lowBins);
+        resources->transform.inverse (resources->low[c].data(), lowBins);
+        resources->transform.inverse (resources->high[c].data(), geometry.activeBins);
     }
+
+    overlapAdd();
 }
 
-void PitchShiftEngine::turnPhasors (std::size_t c) noexcept
+void PitchShiftEngine::turnPhasors (std::size_t c, int lowBins) noexcept
 {
     auto& channel = channelState[c];
     const auto& magnitude = appliedFormantRatio != 1.0f ? channel.shapedMagnitude : channel.magnitude;
@@ -29,74 +42,38 @@ void PitchShiftEngine::turnPhasors (std::size_t c) noexcept
                             .low = resources->low[c].data(),
                             .high = resources->high[c].data(),
                             .binCount = static_cast<std::size_t> (binCount),
-                            .activeBins = static_cast<std::size_t> (activeBins),
-                            .gain = outputGain });
+                            .activeBins = static_cast<std::size_t> (geometry.activeBins),
+                            .lowBins = static_cast<std::size_t> (lowBins),
+                            .gain = resynthesisGain / static_cast<float> (frameSize) });
 }
 
-void PitchShiftEngine::overlapAdd (std::size_t c) noexcept
+void PitchShiftEngine::overlapAdd() noexcept
 {
-    const auto& tables = resources->tables;
-    const auto wholeFrame = synthesisSpan == frameSize;
-    const auto ringStart = (outPos - frameSize) & outRingMask;
+    const auto frames = [this] (std::size_t c) -> kernels::OverlapAdd::Channel {
+        return { resources->low[c].data(), resources->high[c].data(), channelState[c].outRing.data() };
+    };
 
-    kernels::OverlapAdd job { .low = resources->low[c].data(),
-                              .high = resources->high[c].data(),
-                              .ratios = nullptr,
-                              .wide = wholeFrame ? tables.wideWindow.data() : wideOverSpan.data(),
-                              .narrow = wholeFrame ? tables.narrowWindow.data() : narrowOverSpan.data(),
-                              .narrowStart = static_cast<std::size_t> (narrowStart),
-                              .narrowEnd = static_cast<std::size_t> (narrowEnd),
-                              .length = static_cast<std::size_t> (frameSize),
-                              .span = static_cast<std::size_t> (synthesisSpan),
-                              .overlap = static_cast<std::size_t> (overlapLength),
-                              .ring = channelState[c].outRing.data(),
-                              .ringStart = static_cast<std::size_t> (ringStart) };
+    // Downwards the analysis has stretched the frame already. The history is then indexed from the output cursor, not back
+    // from the input's: only other history is consulted.
+    const auto stretched = appliedRatio < 1.0f;
+    const auto* ratios = ratioHistory.data() + position + (stretched ? 0 : frameSize - geometry.synthesisSpan);
 
-    if (appliedRatio < 1.0f)
-    {
-        // The analysis has stretched the frame already. The history is indexed from the output cursor, not the input's
-        // as below: both move together, only other history is consulted.
-        job.ratios = ratioHistory.data() + (ringStart & inRingMask);
-        kernels::overlapAddDirect (job);
-        return;
-    }
+    const kernels::OverlapAdd job { .channels = { frames (0), frames (1) },
+                                    .channelCount = static_cast<std::size_t> (channelCount),
+                                    .ratios = ratios,
+                                    .wide = windows.wide(),
+                                    .narrow = windows.narrow(),
+                                    .narrowStart = static_cast<std::size_t> (windows.narrowStart),
+                                    .narrowEnd = static_cast<std::size_t> (windows.narrowEnd),
+                                    .length = static_cast<std::size_t> (frameSize),
+                                    .span = static_cast<std::size_t> (geometry.synthesisSpan),
+                                    .overlap = static_cast<std::size_t> (geometry.overlapLength),
+                                    .ringStart = static_cast<std::size_t> (position) };
 
-    // The frame is read back faster than it was made, by the ratio asked for at each sample.
-    job.ratios = ratioHistory.data() + inPos + frameSize - synthesisSpan;
-
-    if (unityRun >= synthesisSpan)
-        kernels::overlapAddDirect (job);
+    // Upwards it is read back faster than it was made, by the ratio asked for at each sample.
+    if (stretched || unityRun >= geometry.synthesisSpan)
+        kernels::overlapAddStraight (job);
     else
-        kernels::overlapAddInterpolated (job);
-}
-
-/** Lays the windows over the synthesis span. Their running index is summed in single precision; it stays at or below N. */
-void PitchShiftEngine::resampleWindows() noexcept
-{
-    if (synthesisSpan == windowedSpan)
-        return;
-
-    const auto& tables = resources->tables;
-    windowedSpan = synthesisSpan;
-    narrowStart = tables.narrowStart;
-    narrowEnd = tables.narrowEnd;
-
-    if (synthesisSpan == frameSize)
-        return;
-
-    const auto step = static_cast<float> (frameSize) / static_cast<float> (synthesisSpan);
-    const auto inner = static_cast<std::size_t> (tables.narrowStart),
-               outer = static_cast<std::size_t> (tables.narrowEnd);
-    auto index = 0.0f;
-    narrowStart = narrowEnd = 0;
-
-    for (int j = 0; j < synthesisSpan; ++j, index += step)
-    {
-        const auto entry = static_cast<std::size_t> (index), at = static_cast<std::size_t> (j);
-        wideOverSpan[at] = tables.wideWindow[entry];
-        narrowOverSpan[at] = tables.narrowWindow[entry];
-        narrowStart += entry < inner ? 1 : 0;
-        narrowEnd += entry < outer ? 1 : 0;
-    }
+        kernels::overlapAddCompressed (job);
 }
 } // namespace tarvelline

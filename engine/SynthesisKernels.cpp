@@ -20,46 +20,97 @@ using namespace kernels;
 
 namespace
 {
-void TurnPhasors (const SynthesisBins& given)
+/** Turns the phasors of the vector at bin k, and gives each band its share of them. */
+template <bool inBothBands, class D>
+HWY_INLINE void turnPhasorsAt (D d, const SynthesisBins& bins, std::size_t k)
 {
-    const auto bins = given; // a copy, which no store into a buffer can change: it stays in registers
     const auto half = bins.binCount;
-    auto* phasors = bins.phasor;
+    const auto running = pairs (bins.phasor, half);
+    const auto count = hn::LoadU (d, bins.lockCount + k);
+    const Complex advance { hn::LoadU (d, bins.advance + k), hn::LoadU (d, bins.advance + half + k) };
+    auto phasor = choose (hn::Eq (count, hn::Zero (d)), advance, load (d, running, k) * advance);
+    phasor = normalisedWhere (d, hn::Eq (count, hn::Set (d, static_cast<float> (renormaliseSynthesisAt))), phasor);
+    store (d, phasor, running, k);
 
-    forEachVector (
-        0, bins.activeBins,
-        [=] (auto d, std::size_t k) HWY_ATTR
-        {
-            const auto count = hn::LoadU (d, bins.lockCount + k);
-            const Complex advance { hn::LoadU (d, bins.advance + k), hn::LoadU (d, bins.advance + half + k) };
-            auto phasor = load (d, pairs (phasors, half), k) * advance;
-            phasor = choose (hn::Eq (count, hn::Zero (d)), advance, phasor);
-            phasor =
-                normalisedWhere (d, hn::Eq (count, hn::Set (d, static_cast<float> (renormaliseSynthesisAt))), phasor);
-            store (d, phasor, pairs (phasors, half), k);
+    const auto storeBand = [&] (auto gain, float* band) HWY_ATTR {
+        store (d, Complex { hn::Mul (phasor.re, gain), hn::Mul (phasor.im, gain) }, pairs (band, half), k);
+    };
+    const auto gain = hn::Mul (hn::Set (d, bins.gain), hn::LoadU (d, bins.magnitude + k));
 
-            const auto gain = hn::Mul (hn::Set (d, bins.gain), hn::LoadU (d, bins.magnitude + k));
-            const auto lowGain = hn::Mul (gain, hn::LoadU (d, bins.lowBandWeight + k));
-            const auto highGain = hn::Sub (gain, lowGain);
-            store (d, Complex { hn::Mul (phasor.re, lowGain), hn::Mul (phasor.im, lowGain) }, pairs (bins.low, half),
-                   k);
-            store (d, Complex { hn::Mul (phasor.re, highGain), hn::Mul (phasor.im, highGain) }, pairs (bins.high, half),
-                   k);
-        });
-
-    for (auto* spectrum : { bins.low, bins.high })
+    if constexpr (inBothBands)
     {
-        std::fill (spectrum + bins.activeBins, spectrum + half, 0.0f);
-        std::fill (spectrum + half + bins.activeBins, spectrum + 2 * half, 0.0f);
+        const auto lowGain = hn::Mul (gain, hn::LoadU (d, bins.lowBandWeight + k));
+        storeBand (lowGain, bins.low);
+        storeBand (hn::Sub (gain, lowGain), bins.high);
+    }
+    else
+    {
+        storeBand (gain, bins.high);
     }
 }
 
-/** Calls run (from, end, offset, adds, narrow), output sample j going to ring[j + offset], for the stretches of the output between the ring's end, the end of the
-    overlap and the two ends of the narrow window. */
-template <typename Run>
-HWY_INLINE void forEachRun (const OverlapAdd& job, const Run& run)
+void TurnPhasors (const SynthesisBins& given)
 {
-    const auto wrap = 2 * job.length - job.ringStart; // the output sample that goes to the ring's first place
+    const auto bins = given; // a copy, which no store into a buffer can change: it stays in registers
+    forEachVector (0, bins.lowBins, [=] (auto d, std::size_t k) HWY_ATTR { turnPhasorsAt<true> (d, bins, k); });
+    forEachVector (bins.lowBins, bins.activeBins,
+                   [=] (auto d, std::size_t k) HWY_ATTR { turnPhasorsAt<false> (d, bins, k); });
+}
+
+/** Takes the frames' samples as they are. Of the low band those that would lie beyond the frame are left out. */
+template <class D>
+class StraightReader
+{
+public:
+    HWY_INLINE StraightReader (D, const OverlapAdd& job, std::size_t sample)
+        : inside (hn::Lt (positionOf (D(), sample, job.ratios), hn::Set (D(), static_cast<float> (job.length)))),
+          j (sample)
+    {
+    }
+
+    HWY_INLINE hn::Vec<D> low (const float* frame) const { return hn::IfThenElseZero (inside, high (frame)); }
+    HWY_INLINE hn::Vec<D> high (const float* frame) const { return hn::LoadU (D(), frame + j); }
+
+private:
+    hn::Mask<D> inside;
+    std::size_t j;
+};
+
+/** Reads the frames between their samples, at j times the ratio; beyond the frame there is nothing. */
+template <class D>
+class CompressedReader
+{
+public:
+    HWY_INLINE CompressedReader (D d, const OverlapAdd& job, std::size_t sample)
+        : CompressedReader (d, positionOf (d, sample, job.ratios), static_cast<float> (job.length))
+    {
+    }
+
+    HWY_INLINE hn::Vec<D> low (const float* frame) const { return hn::IfThenElseZero (inside, read (frame)); }
+    HWY_INLINE hn::Vec<D> high (const float* frame) const { return low (frame); }
+
+private:
+    HWY_INLINE CompressedReader (D d, hn::Vec<D> position, float length)
+        : inside (hn::Lt (position, hn::Set (d, length))), read (d, position, length)
+    {
+    }
+
+    hn::Mask<D> inside;
+    Interpolator<D> read;
+};
+
+/** Output samples from `from` up to `end`, all of one kind: they go to ring[j + offset]. */
+struct Stretch
+{
+    std::size_t from, end, offset;
+    bool adds, narrow; // to what is there; in both bands
+};
+
+/** Calls take (Stretch) for the stretches between the ring's end, the end of the overlap and the ends of the narrow window. */
+template <typename Take>
+HWY_INLINE void forEachStretch (const OverlapAdd& job, const Take& take)
+{
+    const auto wrap = job.length - job.ringStart; // the output sample that goes to the ring's first place
 
     for (std::size_t from = 0; from < job.span;)
     {
@@ -69,68 +120,56 @@ HWY_INLINE void forEachRun (const OverlapAdd& job, const Run& run)
             if (boundary > from)
                 end = std::min (end, boundary);
 
-        const auto offset =
-            from < wrap ? job.ringStart : job.ringStart - 2 * job.length; // unsigned: j + offset is right
-        run (from, end, offset, from < job.overlap, from >= job.narrowStart && from < job.narrowEnd);
+        const auto offset = from < wrap ? job.ringStart : job.ringStart - job.length; // unsigned: j + offset is right
+        take (Stretch { from, end, offset, from < job.overlap, from >= job.narrowStart && from < job.narrowEnd });
         from = end;
     }
 }
 
-void OverlapAddInterpolated (const OverlapAdd& given)
+template <template <class> class Reader>
+HWY_INLINE void addFrames (const OverlapAdd& given)
 {
     const auto job = given;
-    const auto length = static_cast<float> (job.length);
 
-    forEachRun (job,
-                [=] (std::size_t from, std::size_t end, std::size_t offset, bool adds, bool narrow) HWY_ATTR
-                {
-                    forEachVector (from, end,
-                                   [=] (auto d, std::size_t j) HWY_ATTR
-                                   {
-                                       const auto position = positionOf (d, j, job.ratios);
-                                       const auto inside = hn::Lt (position, hn::Set (d, length));
-                                       auto value = hn::Mul (interpolated (d, job.low, position, length),
-                                                             hn::LoadU (d, job.wide + j));
+    forEachStretch (job,
+                    [=] (const Stretch& stretch) HWY_ATTR
+                    {
+                        forEachVector (stretch.from, stretch.end,
+                                       [=] (auto d, std::size_t j) HWY_ATTR
+                                       {
+                                           const Reader<decltype (d)> read (d, job, j);
 
-                                       if (narrow)
-                                           value = hn::MulAdd (interpolated (d, job.high, position, length),
-                                                               hn::LoadU (d, job.narrow + j), value);
+                                           for (std::size_t c = 0; c < job.channelCount; ++c)
+                                           {
+                                               const auto& channel = job.channels[c];
+                                               auto* place = channel.ring + (j + stretch.offset);
+                                               auto value =
+                                                   hn::Mul (read.low (channel.low), hn::LoadU (d, job.wide + j));
 
-                                       value = hn::IfThenElseZero (inside, value);
+                                               if (stretch.narrow)
+                                                   value = hn::MulAdd (read.high (channel.high),
+                                                                       hn::LoadU (d, job.narrow + j), value);
 
-                                       if (adds)
-                                           value = hn::Add (value, hn::LoadU (d, job.ring + (j + offset)));
+                                               if (stretch.adds)
+                                                   value = hn::Add (value, hn::LoadU (d, place));
 
-                                       hn::StoreU (value, d, job.ring + (j + offset));
-                                   });
-                });
+                                               hn::StoreU (value, d, place);
+                                           }
+                                       });
+                    });
 }
 
-void OverlapAddDirect (const OverlapAdd& given)
+void OverlapAddCompressed (const OverlapAdd& job) { addFrames<CompressedReader> (job); }
+void OverlapAddStraight (const OverlapAdd& job) { addFrames<StraightReader> (job); }
+
+void TakeEntries (const float* table, std::size_t length, const float* indices, float* entries, std::size_t count)
 {
-    const auto job = given;
-    const auto length = static_cast<float> (job.length);
-
-    forEachRun (job,
-                [=] (std::size_t from, std::size_t end, std::size_t offset, bool adds, bool narrow) HWY_ATTR
-                {
-                    forEachVector (from, end,
-                                   [=] (auto d, std::size_t j) HWY_ATTR
-                                   {
-                                       const auto inside = hn::Lt (positionOf (d, j, job.ratios), hn::Set (d, length));
-                                       auto value = hn::IfThenElseZero (
-                                           inside, hn::Mul (hn::LoadU (d, job.low + j), hn::LoadU (d, job.wide + j)));
-
-                                       if (narrow)
-                                           value = hn::MulAdd (hn::LoadU (d, job.high + j),
-                                                               hn::LoadU (d, job.narrow + j), value);
-
-                                       if (adds)
-                                           value = hn::Add (value, hn::LoadU (d, job.ring + (j + offset)));
-
-                                       hn::StoreU (value, d, job.ring + (j + offset));
-                                   });
-                });
+    forEachVector (0, count,
+                   [=] (auto d, std::size_t j) HWY_ATTR
+                   {
+                       const Interpolator at (d, hn::LoadU (d, indices + j), static_cast<float> (length));
+                       hn::StoreU (at.truncated (table), d, entries + j);
+                   });
 }
 } // namespace
 // NOLINTNEXTLINE(google-readability-namespace-comments)
@@ -142,14 +181,21 @@ HWY_AFTER_NAMESPACE();
 namespace tarvelline
 {
 HWY_EXPORT (TurnPhasors);
-HWY_EXPORT (OverlapAddInterpolated);
-HWY_EXPORT (OverlapAddDirect);
+HWY_EXPORT (OverlapAddCompressed);
+HWY_EXPORT (OverlapAddStraight);
+HWY_EXPORT (TakeEntries);
 
 namespace kernels
 {
 void turnPhasors (const SynthesisBins& bins) noexcept { HWY_DYNAMIC_DISPATCH (TurnPhasors) (bins); }
-void overlapAddInterpolated (const OverlapAdd& job) noexcept { HWY_DYNAMIC_DISPATCH (OverlapAddInterpolated) (job); }
-void overlapAddDirect (const OverlapAdd& job) noexcept { HWY_DYNAMIC_DISPATCH (OverlapAddDirect) (job); }
+void overlapAddCompressed (const OverlapAdd& job) noexcept { HWY_DYNAMIC_DISPATCH (OverlapAddCompressed) (job); }
+void overlapAddStraight (const OverlapAdd& job) noexcept { HWY_DYNAMIC_DISPATCH (OverlapAddStraight) (job); }
+
+void takeEntries (const float* table, std::size_t length, const float* indices, float* entries,
+                  std::size_t count) noexcept
+{
+    HWY_DYNAMIC_DISPATCH (TakeEntries) (table, length, indices, entries, count);
+}
 } // namespace kernels
 } // namespace tarvelline
 #endif

@@ -10,7 +10,6 @@ struct VoiceSlot
 {
     bool active = false;
     int index = 0;          // the slot's own number, 0..7: the engine that sounds it
-    bool started = false;   // set at note-on, cleared by the engine bank at the voice's first frame
     float level = 0.0f;     // gain; below zero while the engine's latency passes, then up to 1
     float rate = 0.0f;      // change of level a sample: above 0 fading in, below 0 fading out
     int key = 0;            // MIDI note - 36

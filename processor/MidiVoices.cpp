@@ -69,6 +69,12 @@ void MidiVoices::advanceLevels (VoiceLevels& levels, int count) noexcept
         auto& voice = levels.voices[i];
         voice.activeSamples = 0;
 
+        if (slot.active && slot.rate == 0.0f) // at rest, as most of the time
+        {
+            std::fill_n (voice.levels.begin(), count, slot.level);
+            voice.activeSamples = count;
+        }
+
         while (slot.active && voice.activeSamples < count)
         {
             advanceLevel (slot);
@@ -104,7 +110,6 @@ void MidiVoices::fillSlot (VoiceSlot& slot, int slotNumber, int key) noexcept
     // The level starts N * rate below zero: silent while the engine's N-sample pipeline fills, then the fade-in.
     slot = { .active = true,
              .index = slotNumber,
-             .started = true,
              .level = initialLevel,
              .rate = levelRate,
              .key = key,

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "engine/HartleyTransform.h"
+#include "engine/transform/HartleyTransform.h"
 
 #include <vector>
 

@@ -5,16 +5,34 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace tarvelline::test
 {
 namespace
 {
-void play (EngineBank& bank, const FrameControls& controls, VoiceSlots& slots, Signal input, float* output)
+/** One channel in runs of 100, with levels that rest. */
+void play (EngineBank& bank, float pitch, const float* timbre, VoiceSlots& slots, Signal input, float* output)
 {
-    for (std::size_t i = 0; i < input.size(); ++i)
-        bank.processFrame (controls, slots, &input[i], output + i, 1);
+    constexpr std::size_t runLength = 100;
+    const Samples pitches (runLength, pitch), timbres (runLength, timbre != nullptr ? *timbre : 0.0f);
+
+    for (std::size_t start = 0; start < input.size(); start += runLength)
+    {
+        const auto count = static_cast<int> (std::min (runLength, input.size() - start));
+        VoiceLevels levels;
+
+        for (std::size_t slot = 0; slot < slots.size(); ++slot)
+        {
+            levels.voices[slot].activeSamples = slots[slot].active ? count : 0;
+            levels.voices[slot].levels.fill (slots[slot].level);
+        }
+
+        const float* const in[] = { input.data() + start };
+        float* const out[] = { output + start };
+        bank.process ({ pitches.data(), timbres.data(), false, timbre != nullptr, in, out, 1, count }, slots, levels);
+    }
 }
 
 /** A frame length, and the scale of its frequencies, that go with a sample rate. */
@@ -30,12 +48,12 @@ Samples playEngine (float pitch, float envelope, Signal input, const Framing& fr
     const auto ratioOf = [] (float semitones) { return std::exp (semitones * 0.05776231f); };
     PitchShiftEngine engine;
     engine.prepare (framing.frameSize, framing.frequencyScale, framing.rate);
-    engine.setRatios (ratioOf (pitch), pitch == envelope ? 1.0f : ratioOf (pitch) / ratioOf (envelope));
+    const Samples ratios (input.size(), ratioOf (pitch)),
+        formantRatios (input.size(), pitch == envelope ? 1.0f : ratioOf (pitch) / ratioOf (envelope));
     Samples output (input.size());
-
-    for (std::size_t i = 0; i < input.size(); ++i)
-        engine.processFrame (&input[i], &output[i], 1);
-
+    const float* const in[] = { input.data() };
+    float* const out[] = { output.data() };
+    engine.process ({ ratios.data(), formantRatios.data(), in, out, 1, static_cast<int> (input.size()) });
     return output;
 }
 } // namespace
@@ -54,13 +72,14 @@ TEST (EngineBank, FramesFollowTheSampleRate)
         bank.setSampleRate (framing.rate);
         bank.rebuildEngines();
         VoiceSlots slots;
+        slots[0] = { .active = true, .index = 0, .level = 1.0f };
         Samples output (input.size());
-        play (bank, { 3.0f, 0.0f, true, false }, slots, input, output.data());
+        play (bank, 3.0f, nullptr, slots, input, output.data());
         EXPECT_GT (signalToDifferenceDb (output, playEngine (3.0f, 3.0f, input, framing)), 100.0) << framing.rate;
     }
 }
 
-// Catches a voice that takes another's engine, gain or shift, that misses a wheel or its start, an inverted formant ratio, and
+// Catches a voice that takes another's engine, gain or shift, that misses a wheel, an inverted formant ratio, and
 // an engine that runs or is cleared while its voice is off: a note that returns takes up where the slot stopped.
 TEST (EngineBank, VoiceModeAddsTheActiveVoicesAtTheirLevels)
 {
@@ -73,19 +92,16 @@ TEST (EngineBank, VoiceModeAddsTheActiveVoicesAtTheirLevels)
         bank.setSampleRate (44100.0f);
         bank.rebuildEngines();
         VoiceSlots slots;
-        slots[0].started = true; // not active
-        slots[1] = { .active = true, .index = 1, .started = true, .level = 0.5f, .semitones = 4.0f };
-        slots[6] = { .active = true, .index = 6, .started = true, .level = 1.0f, .semitones = -9.0f };
-        const FrameControls controls { 2.0f, timbre, false, true };
+        slots[1] = { .active = true, .index = 1, .level = 0.5f, .semitones = 4.0f };
+        slots[6] = { .active = true, .index = 6, .level = 1.0f, .semitones = -9.0f };
         Samples output (input.size()), unheard (other.size());
-        play (bank, controls, slots, Signal (input).first (pause), output.data());
-        EXPECT_TRUE (slots[0].started && ! slots[1].started && ! slots[6].started);
+        play (bank, 2.0f, &timbre, slots, Signal (input).first (pause), output.data());
 
         slots[1].active = slots[6].active = false;
-        play (bank, controls, slots, other, unheard.data());
+        play (bank, 2.0f, &timbre, slots, other, unheard.data());
         EXPECT_EQ (peak (unheard), 0.0f);
         slots[1].active = slots[6].active = true;
-        play (bank, controls, slots, Signal (input).subspan (pause), output.data() + pause);
+        play (bank, 2.0f, &timbre, slots, Signal (input).subspan (pause), output.data() + pause);
 
         auto expected = playEngine (4.0f + 2.0f, 4.0f + timbre, input);
         const auto second = playEngine (-9.0f + 2.0f, -9.0f + timbre, input);

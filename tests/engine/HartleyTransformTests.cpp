@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/HartleyTransform.h"
+#include "engine/transform/HartleyTransform.h"
 #include "tests/support/InstructionSets.h"
 #include "tests/support/Meters.h"
 #include "tests/support/Signals.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "engine/HartleyTables.h"
+#include "engine/transform/HartleyTables.h"
 
 namespace tarvelline
 {
@@ -11,9 +11,9 @@ namespace tarvelline
     own inverse up to the factor N, so one transform serves analysis and resynthesis.
 
     Shapes: N = length, a power of two from 256 to 8192; K = N / 2. Data need no alignment; 64 bytes are fastest.
-    Threads: init() and release() while nobody transforms; the transforms are const and may run on any thread, each on
-            its own data. Real time: the transforms allocate nothing, lock nothing and never throw; they use 8 N bytes of
-            the stack, 64 KB at most.
+    Threads: init() while nobody transforms; the transforms are const and may run on any thread, each on
+            its own data. Real time: the transforms allocate nothing, lock nothing and never throw; they use 64 KB of
+            the stack, whatever the length.
     Errors: a length outside the shapes above throws std::invalid_argument, and the tables stay as they were.
     Results: the same on every run on one machine; machines with other vector instructions round differently.
 
@@ -33,23 +33,20 @@ public:
     /** Builds the tables for another length. Allocates. */
     void init (int transformLength);
 
-    /** Frees the tables; the length becomes 0. */
-    void release();
-
     int getLength() const noexcept { return tables.length; }
 
-    /** The plain transform of `data` (N floats), natural order in and out. */
-    void transform (float* data) const noexcept;
-
-    /** transform(), then the upper half reversed, so that bin k (0 <= k < K) is the pair (data[k], data[K + k]).
+    /** Transforms `data` (N floats) and reverses the upper half, so that bin k (0 <= k < K) is the pair
+        (data[k], data[K + k]).
 
         The pair is (Re - Im, Re + Im) of the Fourier coefficient X[k] = sum x[n] exp (-2 pi i n k / N), that is (1 + i) X[k]
         when read as re + i im: turned by 45 degrees and sqrt (2) times as long, which leaves ratios of magnitudes and
         differences of phase exact. data[K], in the pair of bin 0, is the Nyquist term. */
     void forward (float* data) const noexcept;
 
-    /** Undoes forward(), times N: the upper half reversed back, then transform(). */
-    void inverse (float* data) const noexcept;
+    /** Undoes forward(), times N.
+        @param bins  those from here on are taken for 0, whatever stands there. Where they are few, a sixteenth of K or
+                     less, it is cheaper. */
+    void inverse (float* data, int bins = HartleyTables::longest) const noexcept;
 
 private:
     HartleyTables tables;

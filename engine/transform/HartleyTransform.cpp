@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/HartleyTransform.h"
+#include "engine/transform/HartleyTransform.h"
 
-#include "engine/HartleyKernels.h"
+#include "engine/transform/HartleyKernels.h"
 
 #include <algorithm>
 #include <bit>
@@ -29,23 +29,15 @@ void HartleyTransform::init (int transformLength)
     chooseInstructionSet();
 }
 
-void HartleyTransform::release() { tables = {}; }
-
-void HartleyTransform::transform (float* data) const noexcept
-{
-    forward (data);
-    std::reverse (data + tables.length / 2 + 1, data + tables.length);
-}
-
 void HartleyTransform::forward (float* data) const noexcept
 {
     Scratch scratch; // not cleared: the first pass writes all that is read
     hartleyForward (tables, data, scratch.values);
 }
 
-void HartleyTransform::inverse (float* data) const noexcept
+void HartleyTransform::inverse (float* data, int bins) const noexcept
 {
     Scratch scratch;
-    hartleyInverse (tables, data, scratch.values);
+    hartleyInverse (tables, data, static_cast<std::size_t> (std::min (bins, tables.length / 2)), scratch.values);
 }
 } // namespace tarvelline

@@ -8,8 +8,8 @@
         #define TARVELLINE_HARTLEY_PASSES_INL
     #endif
 
-    #include "engine/HartleyTables.h"
     #include "engine/Vectors-inl.h"
+    #include "engine/transform/HartleyTables.h"
 
     #include <hwy/highway.h>
 
@@ -20,7 +20,8 @@ namespace tarvelline
 {
 namespace HWY_NAMESPACE
 {
-/** The four-point transform of a, b, c, d. */
+/** The four-point transform of a, b, c, d: the butterfly of a radix-4 pass. Its results are then turned by the powers of a
+    root of unity (the twiddle factors). */
 template <class V>
 struct FourPoints
 {
@@ -42,6 +43,14 @@ struct FourPoints
 
     Complex<V> y0, y1, y2, y3;
 };
+
+/** The elements from `t` on of the four rows, a quarter of the values apart. */
+template <class D>
+HWY_INLINE FourPoints<hn::Vec<D>> loadRows (D d, SplitComplex from, std::size_t t, std::size_t quarter)
+{
+    return { load (d, from, t), load (d, from, t + quarter), load (d, from, t + 2 * quarter),
+             load (d, from, t + 3 * quarter) };
+}
 
 /** The turns of the elements from `t` on, out of a table of six rows of `count`. */
 template <class D, class V = hn::Vec<D>>
@@ -83,16 +92,31 @@ HWY_INLINE void storeByFour (D d, V y0, V y1, V y2, V y3, float* to, std::size_t
     #endif
 }
 
+/** Which rows hold something; the others are taken for 0, whatever stands there. */
+enum Rows
+{
+    everyRow,
+    outerRows // the first and the last
+};
+
 /** The pass at stride 4. */
-inline void secondPass (const HartleyTables& tables, SplitComplex from, SplitComplex to)
+template <Rows rows>
+HWY_NOINLINE void secondPass (const HartleyTables& tables, SplitComplex from, SplitComplex to)
 {
     const hn::CappedTag<float, 8> d;
     const auto quarter = static_cast<std::size_t> (tables.length) / 8;
 
     for (std::size_t t = 0; t < quarter; t += hn::Lanes (d))
     {
-        FourPoints points (load (d, from, t), load (d, from, t + quarter), load (d, from, t + 2 * quarter),
-                           load (d, from, t + 3 * quarter));
+        Complex<hn::Vec<decltype (d)>> second { hn::Zero (d), hn::Zero (d) }, third = second;
+
+        if constexpr (rows == everyRow)
+        {
+            second = load (d, from, t + quarter);
+            third = load (d, from, t + 2 * quarter);
+        }
+
+        FourPoints points (load (d, from, t), second, third, load (d, from, t + 3 * quarter));
         turnByElement (d, points, tables.second.data(), quarter, t);
         storeByFour (d, points.y0.re, points.y1.re, points.y2.re, points.y3.re, to.re, t);
         storeByFour (d, points.y0.im, points.y1.im, points.y2.im, points.y3.im, to.im, t);
@@ -100,7 +124,7 @@ inline void secondPass (const HartleyTables& tables, SplitComplex from, SplitCom
 }
 
 /** A pass at a stride of 16 or more: runs of `stride` elements share their turns. Returns the next pass's turns. */
-inline const float* widePass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from,
+HWY_NOINLINE const float* widePass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from,
                               SplitComplex to)
 {
     const hn::CappedTag<float, 16> d;
@@ -116,8 +140,7 @@ inline const float* widePass (const float* turns, std::size_t half, std::size_t 
         for (std::size_t q = 0; q < stride; q += hn::Lanes (d))
         {
             const auto t = start + q, out = 4 * start + q;
-            FourPoints points (load (d, from, t), load (d, from, t + quarter), load (d, from, t + 2 * quarter),
-                               load (d, from, t + 3 * quarter));
+            auto points = loadRows (d, from, t, quarter);
             points.turn (w1, w2, w3);
             store (d, points.y0, to, out);
             store (d, points.y1, to, out + stride);
@@ -130,7 +153,7 @@ inline const float* widePass (const float* turns, std::size_t half, std::size_t 
 }
 
 /** A pass of radix 2, where the number of values is not a power of four. */
-inline void radix2Pass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from, SplitComplex to)
+HWY_NOINLINE void radix2Pass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from, SplitComplex to)
 {
     const hn::CappedTag<float, 16> d;
 

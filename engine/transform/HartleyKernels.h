@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "engine/HartleyTables.h"
+#include "engine/transform/HartleyTables.h"
+
+#include <cstddef>
 
 namespace tarvelline
 {
@@ -11,6 +13,6 @@ void chooseInstructionSet();
 /** HartleyTransform::forward on the best instruction set of this machine. `scratch` has N floats. */
 void hartleyForward (const HartleyTables&, float* data, float* scratch) noexcept;
 
-/** HartleyTransform::inverse, likewise; `scratch` has 2 N floats. */
-void hartleyInverse (const HartleyTables&, float* data, float* scratch) noexcept;
+/** HartleyTransform::inverse, likewise, of at most M bins; `scratch` has 2 N floats. */
+void hartleyInverse (const HartleyTables&, float* data, std::size_t bins, float* scratch) noexcept;
 } // namespace tarvelline

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/HartleyTables.h"
+#include "engine/transform/HartleyTables.h"
 
 #include <cmath>
 #include <cstddef>

@@ -8,7 +8,7 @@ namespace tarvelline
 /** The constants of a Hartley transform of N = length real values, computed as a complex transform of M = N / 2.
 
     A radix-4 pass at stride s combines the elements t, t + M/4, t + M/2 and t + 3M/4; its turns depend on t / s alone:
-    w, w squared and w cubed with w = exp (-2 pi i (t / s) / (M / s)). */
+    w, w squared and w cubed with w = exp (-2 pi i (t / s) / (M / s)), its twiddle factors. */
 struct HartleyTables
 {
     static constexpr int shortest = 256; // the shortest length whose passes fill the widest vector
@@ -23,6 +23,6 @@ struct HartleyTables
     AlignedVector<float> first;  // stride 1: six rows of M/4: the real and imaginary parts of w, w squared, w cubed
     AlignedVector<float> second; // stride 4: the same, each turn four times, so that any vector width may load it
     AlignedVector<float> middle; // strides 16, 64 ...: six values a turn, pass after pass; then radix 2, two each
-    AlignedVector<float> split;  // two rows of M/2: (cos +- sin) / 2 of 2 pi k / N: parts complex bins into real ones
+    AlignedVector<float> split;  // two rows of M/2: (cos +- sin) / 2 of 2 pi k / N: splits complex bins into real ones
 };
 } // namespace tarvelline
