@@ -62,10 +62,11 @@ kernels::AnalysisBins PitchShiftEngine::analysisBins() noexcept
              .lockCount = lockCount.data() };
 }
 
-/** Of the active bins, and some more, should the geometry take in more of them before the next frame. */
+/** Of the active bins, and some more in whole vectors, should the geometry take in more before the next frame. */
 void PitchShiftEngine::warpEnvelope() noexcept
 {
-    shapedBins = std::min (geometry.activeBins + geometry.activeBins / 8, binCount);
+    constexpr int widestVector = 16;
+    shapedBins = std::min ((geometry.activeBins / 8 * 9 / widestVector + 1) * widestVector, binCount);
     auto &left = channelState[0], &right = channelState[1];
 
     auto &rows = resources->envelopeRows, &envelopes = resources->envelopes;

@@ -125,7 +125,7 @@ HWY_NOINLINE void secondPass (const HartleyTables& tables, SplitComplex from, Sp
 
 /** A pass at a stride of 16 or more: runs of `stride` elements share their turns. Returns the next pass's turns. */
 HWY_NOINLINE const float* widePass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from,
-                              SplitComplex to)
+                                    SplitComplex to)
 {
     const hn::CappedTag<float, 16> d;
     const auto quarter = half / 4;
@@ -153,7 +153,8 @@ HWY_NOINLINE const float* widePass (const float* turns, std::size_t half, std::s
 }
 
 /** A pass of radix 2, where the number of values is not a power of four. */
-HWY_NOINLINE void radix2Pass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from, SplitComplex to)
+HWY_NOINLINE void radix2Pass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from,
+                              SplitComplex to)
 {
     const hn::CappedTag<float, 16> d;
 
