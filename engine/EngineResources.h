@@ -42,7 +42,8 @@ struct EngineResources
     std::array<AlignedVector<float>, 2> low, high;
 
     BinMasks masks;
-    // While the envelope is moved, a channel each: K values in the order of EnvelopeSegments; K in their own, one more and readAhead.
+    // While the envelope is moved, a channel each: K values in the order of EnvelopeSegments; K in their own, one more and
+    // readAhead.
     std::array<AlignedVector<float>, 2> envelopeRows, envelopes;
 };
 } // namespace tarvelline

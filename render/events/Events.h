@@ -28,8 +28,9 @@ struct TimedMessage
 void sortEvents (std::vector<TimedMessage>&);
 
 /** The changes in a text of lines "seconds,parameterId,value" or "seconds,parameterId,value,line", in order of time, and at
-    one time in the order of parameterTable. "pitch" and "timbre" stand for the wheels, with semitones as their values. Empty lines, what follows a #, and a first line that begins with just these
-    three words are passed over. Throws UserError, naming the file and mostly the line. */
+    one time in the order of parameterTable. "pitch" and "timbre" stand for the wheels, with semitones as their values.
+    Empty lines, what follows a #, and a first line that begins with just these three words are passed over. Throws
+    UserError, naming the file and mostly the line. */
 std::vector<TimedSetting> readAutomation (const juce::File&);
 
 /** The notes and pitch-bends of all tracks of a standard MIDI file, timed by its tempo map or its frames; in order of time,

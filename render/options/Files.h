@@ -20,7 +20,8 @@ std::vector<Task> tasksInto (const juce::File& folder, const juce::StringArray& 
 /** Makes the folder of a task's output, and those above it. Throws UserError when it cannot. */
 void makeFolderFor (const Task&);
 
-/** Follows a link at the place of each file to be written, and throws UserError when one of the files cannot be a file of its own: when it is a folder or a device, has no folder to stand in, or is read as well.
-    What is not named (juce::File()) is passed over. */
+/** Follows a link at the place of each file to be written, and throws UserError when one of the files cannot be a file of
+    its own: when it is a folder or a device, has no folder to stand in, or is read as well. What is not named
+    (juce::File()) is passed over. */
 void checkTargets (Options&, Task&);
 } // namespace tarvelline::render

@@ -105,8 +105,9 @@ TEST (Module, ListsItsParametersInOrderAndBypassAfterThem)
     }
 }
 
-// A limit on the wrong side (48000 and 96000 belong below), a latency that the host does not learn of, so that tracks drift apart; bypass that is not late by as much; a block of
-// nothing, with which hosts hand over parameters; noise that drives something to infinity, in mono and stereo.
+// A limit on the wrong side (48000 and 96000 belong below), a latency that the host does not learn of, so that tracks
+// drift apart; bypass that is not late by as much; a block of nothing, with which hosts hand over parameters; noise that
+// drives something to infinity, in mono and stereo.
 TEST (Module, ReportsItsLatencyAndStaysFinite)
 {
     for (const auto& [rate, latency] :
