@@ -5,9 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <regex>
 #include <set>
-#include <string>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -19,19 +17,17 @@ namespace
 constexpr double rate = 44100.0;
 constexpr std::size_t latency = 2048; // at 44.1 kHz
 
-/** The long options that a text names where it explains them. */
-std::set<std::string> optionsIn (const std::string& text, const char* place)
+/** The long options in the lines of a text that begin so, where it explains them: up to a second cell of a table. */
+std::set<juce::String> optionsIn (const juce::String& text, const char* beginning)
 {
-    std::set<std::string> found;
-    const std::regex lines (place), option ("--[a-z][a-z-]*");
+    std::set<juce::String> found;
 
-    for (std::sregex_iterator line (text.begin(), text.end(), lines), none; line != none; ++line)
-    {
-        const auto words = line->str();
-
-        for (std::sregex_iterator word (words.begin(), words.end(), option); word != none; ++word)
-            found.insert (word->str());
-    }
+    for (const auto& line : juce::StringArray::fromLines (text))
+        if (line.startsWith (beginning))
+            for (const auto& word : juce::StringArray::fromTokens (
+                     line.substring (1).upToFirstOccurrenceOf ("|", false, false), " `,=", {}))
+                if (word.startsWith ("--"))
+                    found.insert (word);
 
     return found;
 }
@@ -74,12 +70,11 @@ protected:
 TEST_F (CommandLineTest, HelpManPageAndDocumentExplainTheSameOptions)
 {
     const juce::File docs { TARVELLINE_DOCS };
-    const auto page = docs.getChildFile ("tarvelline-render.1").loadFileAsString().replace ("\\-", "-").toStdString();
-    const auto document = docs.getChildFile ("rendering.md").loadFileAsString().toStdString();
-    const auto expected = optionsIn (run ("--help").text.toStdString(), "\n  (-[a-z], )?--[a-z-]+");
+    const auto page = docs.getChildFile ("tarvelline-render.1").loadFileAsString().replace ("\\-", "-");
+    const auto expected = optionsIn (run ("--help").text, "  -");
     EXPECT_GT (expected.size(), 20u);
-    EXPECT_EQ (optionsIn (page, "\\.TP\n\\.B.*"), expected);
-    EXPECT_EQ (optionsIn (document, "\n\\| `-[^|]*\\|"), expected);
+    EXPECT_EQ (optionsIn (page.replace (".TP\n.B", ".TP .B"), ".TP .B"), expected);
+    EXPECT_EQ (optionsIn (docs.getChildFile ("rendering.md").loadFileAsString(), "| `-"), expected);
 }
 
 // A prefix taken for another option, a name of a file taken for one, or a value for a file.
