@@ -14,18 +14,19 @@ namespace tarvelline::render
 namespace
 {
 constexpr auto anyLength = std::numeric_limits<juce::int64>::max();
+constexpr int anyRate = std::numeric_limits<int>::max();
 constexpr juce::int64 fourGib = 0xf0000000; // less what a header and notes take
 
 constexpr std::array<FileKind, 9> kinds { {
-    { "wav", "wav", "a WAV file", SF_FORMAT_WAV, 32, 32, 64, anyLength, 0.0 },
-    { "w64", "w64", "a W64 file", SF_FORMAT_W64, 32, 32, 64, anyLength, 0.0 },
-    { "aiff", "aiff;aif;aifc", "an AIFF file", SF_FORMAT_AIFF, 32, 24, 64, fourGib, 0.0 },
-    { "caf", "caf", "a CAF file", SF_FORMAT_CAF, 32, 32, 64, anyLength, 0.0 },
-    { "au", "au;snd", "an AU file", SF_FORMAT_AU, 32, 32, 64, fourGib, 0.0 },
-    { "flac", "flac", "a FLAC file", SF_FORMAT_FLAC, 24, 24, 8, anyLength, 0.0 },
-    { "ogg", "ogg;oga", "an Ogg Vorbis file", SF_FORMAT_OGG | SF_FORMAT_VORBIS, 0, 0, 2, anyLength, 0.8 },
-    { "opus", "opus", "an Opus file", SF_FORMAT_OGG | SF_FORMAT_OPUS, 0, 0, 2, anyLength, 0.5 },
-    { "mp3", "mp3", "an MP3 file", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 0, 0, 2, anyLength, 1.0 },
+    { "wav", "wav", "a WAV file", SF_FORMAT_WAV, 32, 32, 64, anyRate, anyLength, 0.0 },
+    { "w64", "w64", "a W64 file", SF_FORMAT_W64, 32, 32, 64, anyRate, anyLength, 0.0 },
+    { "aiff", "aiff;aif;aifc", "an AIFF file", SF_FORMAT_AIFF, 32, 24, 64, anyRate, fourGib, 0.0 },
+    { "caf", "caf", "a CAF file", SF_FORMAT_CAF, 32, 32, 64, anyRate, anyLength, 0.0 },
+    { "au", "au;snd", "an AU file", SF_FORMAT_AU, 32, 32, 64, anyRate, fourGib, 0.0 },
+    { "flac", "flac", "a FLAC file", SF_FORMAT_FLAC, 24, 24, 8, anyRate, anyLength, 0.0 },
+    { "ogg", "ogg;oga", "an Ogg Vorbis file", SF_FORMAT_OGG | SF_FORMAT_VORBIS, 0, 0, 2, anyRate, anyLength, 0.8 },
+    { "opus", "opus", "an Opus file", SF_FORMAT_OGG | SF_FORMAT_OPUS, 0, 0, 2, anyRate, anyLength, 0.5 },
+    { "mp3", "mp3", "an MP3 file", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 0, 0, 2, 48000, anyLength, 1.0 },
 } };
 
 template <typename Fits>

@@ -15,6 +15,7 @@ struct FileKind
     int mostBits; // of a sample: 24 = integer, 32 = float; 0 for a lossy kind
     int bits;     // unless others are asked for
     int mostChannels;
+    int mostRate;          // Hz; below it the library knows
     juce::int64 mostBytes; // of sound
     double quality;        // of a lossy kind, 0 to 1; all three take some 130 kbit/s a channel
 

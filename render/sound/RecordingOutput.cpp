@@ -86,9 +86,10 @@ void RecordingOutput::open()
     info.channels = channels;
     info.format = container (kind, channels, bytes) | encoding (kind, sampleBits);
     isRf64 = (info.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_RF64;
-    const auto refusal = channels > kind.mostChannels ? "it has " + juce::String (kind.mostChannels) + " at most"
-                         : bytes > kind.mostBytes     ? juce::String ("it ends at 4 GiB")
-                                                      : whyNot (kind, info);
+    const auto refusal = channels > kind.mostChannels      ? "it has " + juce::String (kind.mostChannels) + " at most"
+                         : info.samplerate > kind.mostRate ? "it has " + juce::String (kind.mostRate) + " Hz at most"
+                         : bytes > kind.mostBytes          ? juce::String ("it ends at 4 GiB")
+                                                           : whyNot (kind, info);
 
     if (refusal.isNotEmpty())
         throw UserError ("OUT: " + juce::String (kind.inWords) + " of " + juce::String (channels) + " channels at "
