@@ -1,6 +1,11 @@
 # The plug-in. `Tarvelline` is the shared code (framework modules and our sources, compiled once); `Tarvelline_VST3` and
 # `Tarvelline_LV2` wrap it as modules that hosts load, `Tarvelline_Standalone` as a program that is its own host.
-find_package(JUCE 7.0.5 CONFIG REQUIRED)
+#
+# Any release of the framework from 7.0.5 on: its package takes no number but exactly its own.
+find_package(JUCE CONFIG REQUIRED)
+if(JUCE_VERSION VERSION_LESS 7.0.5)
+    message(FATAL_ERROR "JUCE 7.0.5 or newer is needed, and ${JUCE_DIR} is ${JUCE_VERSION}")
+endif()
 
 set(TARVELLINE_FORMATS VST3)
 if(NOT TARVELLINE_SANITIZE)
@@ -44,7 +49,6 @@ target_compile_definitions(Tarvelline PUBLIC
     JUCE_PLUGINHOST_VST3=1)
 
 target_include_directories(Tarvelline PUBLIC "${PROJECT_SOURCE_DIR}")
-target_compile_options(Tarvelline PRIVATE $<$<CONFIG:Release>:-O3>)
 
 target_link_libraries(Tarvelline
     PRIVATE

@@ -1,10 +1,15 @@
-# What our own sources must compile under: the framework's recommended set, conversions, and no warning left.
+# What our own sources compile under: the framework's recommended set, and conversions.
+option(TARVELLINE_WARNINGS_AS_ERRORS "Stop at a warning in our own sources, as the presets of the checks do" OFF)
+
 add_library(tarvelline_warnings INTERFACE)
 
 set(TARVELLINE_WARNING_OPTIONS
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wsign-compare -Wcast-align
     -Woverloaded-virtual -Wreorder -Wzero-as-null-pointer-constant -Wswitch-enum -Wstrict-aliasing
-    -Wuninitialized -Wunused-parameter -Werror)
+    -Wuninitialized -Wunused-parameter)
+if(TARVELLINE_WARNINGS_AS_ERRORS)
+    list(APPEND TARVELLINE_WARNING_OPTIONS -Werror)
+endif()
 
 target_compile_options(tarvelline_warnings INTERFACE ${TARVELLINE_WARNING_OPTIONS})
 
