@@ -3,6 +3,7 @@
 #include "engine/PitchShiftEngine.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tarvelline
 {
@@ -20,27 +21,37 @@ void PitchShiftEngine::analyseFrame() noexcept
     kernels::advancePhases (bins, masks.resets);
 
     analysedBins = geometry.activeBins;
-    appliedFormantRatio = formantRatio;
+    appliedFormantRatio = postponedAnalysis.formantRatio;
 
-    if (formantRatio != 1.0f)
+    if (appliedFormantRatio != 1.0f)
         warpEnvelope();
 }
 
 void PitchShiftEngine::readWindowedInput() noexcept
 {
+    const auto start = postponedAnalysis.start;
     auto &left = channelState[0].inRing, &right = channelState[1].inRing;
     auto& frames = resources->low;
-    const kernels::WindowedRead job { .inputs = { left.data() + position, right.data() + position },
+    const kernels::WindowedRead job { .inputs = { left.data() + start, right.data() + start },
                                       .frames = { frames[0].data(), frames[1].data() },
                                       .channelCount = static_cast<std::size_t> (channelCount),
                                       .window = resources->tables.wideWindow.data(),
-                                      .ratios = ratioHistory.data() + position,
+                                      .ratios = ratioHistory.data() + start,
                                       .length = static_cast<std::size_t> (frameSize) };
 
-    if (appliedRatio < 1.0f)
-        kernels::readStretched (job);
-    else
+    if (appliedRatio >= 1.0f)
+    {
         kernels::readStraight (job);
+        return;
+    }
+
+    // The sample after the last one is the first again. What stands there belongs to another frame.
+    const auto next = static_cast<std::size_t> (start + frameSize);
+    const auto leftNext = std::exchange (left[next], left[static_cast<std::size_t> (start)]),
+               rightNext = std::exchange (right[next], right[static_cast<std::size_t> (start)]);
+    kernels::readStretched (job);
+    left[next] = leftNext;
+    right[next] = rightNext;
 }
 
 kernels::AnalysisBins PitchShiftEngine::analysisBins() noexcept
