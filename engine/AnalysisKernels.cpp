@@ -105,9 +105,9 @@ HWY_INLINE std::uint64_t measureWord (const AnalysisBins& bins, std::size_t star
                        }
 
                        const auto previous = hn::LoadU (d, bins.sum + k);
-                       const auto rise = hn::Div (sum, hn::Add (previous, hn::Set (d, denormalGuard)));
-                       const auto steady = hn::And (hn::Ge (previous, hn::Set (d, onsetFloor)),
-                                                    hn::Le (rise, hn::LoadU (d, bins.onsetThreshold + k)));
+                       const auto loudest = hn::Mul (hn::Add (previous, hn::Set (d, denormalGuard)),
+                                                     hn::LoadU (d, bins.onsetThreshold + k));
+                       const auto steady = hn::And (hn::Ge (previous, hn::Set (d, onsetFloor)), hn::Le (sum, loudest));
                        stable |= bitsOf (d, steady) << (k - start);
                        hn::StoreU (sum, d, bins.sum + k);
                    });
