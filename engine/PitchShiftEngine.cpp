@@ -5,6 +5,7 @@
 #include <bit>
 #include <cassert>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -20,7 +21,7 @@ constexpr float loudestSample = 1.0e4f;       // +80 dBFS: no signal, and its sq
 /** Written so that a NaN, for which every comparison is false, ends at the lower bound. */
 float heldToRange (float ratio) noexcept
 {
-    return ratio >= minimumRatio ? std::min (ratio, maximumRatio) : minimumRatio;
+    return std::min (std::max (minimumRatio, ratio), maximumRatio);
 }
 
 constexpr auto quietestBits = std::bit_cast<std::uint32_t> (std::numeric_limits<float>::min()); // of normal numbers
@@ -147,21 +148,21 @@ void PitchShiftEngine::recordRatios (const float* ratios, int count) noexcept
 {
     auto* history = ratioHistory.data() + position;
 
-    for (int i = 0; i < count; ++i)
-    {
-        history[i] = history[i + ringLength] = heldToRange (ratios[i]);
-        unityRun = history[i] == 1.0f ? unityRun + 1 : 0;
-    }
+    std::transform (ratios, ratios + count, history, heldToRange);
+    std::copy_n (history, count, history + ringLength);
 
-    unityRun = std::min (unityRun, frameSize);
+    const auto lastOther = std::find_if (std::reverse_iterator (history + count), std::reverse_iterator (history),
+                                         [] (float ratio) { return ratio != 1.0f; });
+    const auto atUnity = static_cast<int> (history + count - lastOther.base());
+    unityRun = atUnity < count ? atUnity : std::min (unityRun + count, frameSize);
 }
 
 void PitchShiftEngine::writeInput (Channel& channel, const float* samples, int count) noexcept
 {
     auto* ring = channel.inRing.data() + position;
 
-    for (int i = 0; i < count; ++i)
-        ring[i] = ring[i + ringLength] = soundSample (samples[i]);
+    std::transform (samples, samples + count, ring, soundSample);
+    std::copy_n (ring, count, ring + ringLength);
 }
 
 void PitchShiftEngine::readOutput (const Channel& channel, float* samples, int count) const noexcept
