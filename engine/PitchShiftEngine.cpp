@@ -19,10 +19,7 @@ constexpr float minimumFormantRatio = 0.001f; // in place of a negative one
 constexpr float loudestSample = 1.0e4f;       // +80 dBFS: no signal, and its square would soon leave single precision
 
 /** Written so that a NaN, for which every comparison is false, ends at the lower bound. */
-float heldToRange (float ratio) noexcept
-{
-    return std::min (std::max (minimumRatio, ratio), maximumRatio);
-}
+float heldToRange (float ratio) noexcept { return std::min (std::max (minimumRatio, ratio), maximumRatio); }
 
 constexpr auto quietestBits = std::bit_cast<std::uint32_t> (std::numeric_limits<float>::min()); // of normal numbers
 constexpr auto loudestBits = std::bit_cast<std::uint32_t> (loudestSample);

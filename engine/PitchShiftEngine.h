@@ -119,7 +119,8 @@ private:
 
     // Analysis frame (PitchShiftAnalysis.cpp)
     void analyseFrame() noexcept;
-    void readWindowedInput() noexcept;
+    void transformWindowedInput() noexcept;
+    void readStretchedInput() noexcept;
     void warpEnvelope() noexcept;
     kernels::AnalysisBins analysisBins() noexcept;
 
