@@ -28,6 +28,14 @@ inline SplitComplex widePasses (const HartleyTables& tables, SplitComplex from, 
     const auto* turns = tables.middle.data();
     std::size_t stride = 16;
 
+    // The widest vectors, which hold a run of 16 each, gain nothing by it where the nearest cache holds the whole transform.
+    if (half > 1024 || hn::MaxLanes (hn::CappedTag<float, 16>()) < 16)
+    {
+        turns = twoWidePasses (turns, half, from, other);
+        std::swap (from, other);
+        stride = 256;
+    }
+
     for (; half / stride > 8; stride *= 4)
     {
         turns = widePass (turns, half, stride, from, other);
