@@ -126,19 +126,11 @@ void PitchShiftEngine::process (const EngineRun& run) noexcept TARVELLINE_REAL_T
     }
 }
 
-/** Up to where there is work, or to the end of a ring. At least 1: a hop may have become shorter than the time since a
-    frame. */
+/** Up to the next frame, or to the end of a ring. At least 1: a hop may have become shorter than the time since a frame. */
 int PitchShiftEngine::samplesToBoundary() const noexcept
 {
-    auto toWork = std::min (geometry.analysisHop - analysisCounter, geometry.synthesisHop - synthesisCounter);
-
-    if (postponedAnalysis.waits)
-        toWork = std::min (toWork, postponedAnalysis.samples);
-
-    if (postponedHighBand.waits)
-        toWork = std::min (toWork, postponedHighBand.samples);
-
-    return std::min ({ std::max (toWork, 1), ringLength - position, frameSize - outPosition });
+    const auto toFrame = std::min (geometry.analysisHop - analysisCounter, geometry.synthesisHop - synthesisCounter);
+    return std::min ({ std::max (toFrame, 1), ringLength - position, frameSize - outPosition });
 }
 
 void PitchShiftEngine::recordRatios (const float* ratios, int count) noexcept

@@ -86,7 +86,7 @@ private:
     struct Postponed
     {
         bool waits = false;
-        int samples = 0; // for so many more
+        int samples = 0; // for so many more, and to the end of the run that they are in
     };
 
     /** A frame to be analysed. */
