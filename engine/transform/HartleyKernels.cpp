@@ -81,7 +81,7 @@ struct WindowedSource
 
 /** The first pass of the way there: even samples real, odd ones imaginary. */
 template <class Source>
-inline void deinterleavingPass (const HartleyTables& tables, const Source& source, SplitComplex to)
+HWY_NOINLINE void deinterleavingPass (const HartleyTables& tables, const Source& source, SplitComplex to)
 {
     const hn::CappedTag<float, 16> d;
     const auto quarter = static_cast<std::size_t> (tables.length) / 8;
