@@ -63,6 +63,13 @@ add_subdirectory(processor)
 add_subdirectory(widgets)
 add_subdirectory(editor)
 
+foreach(module IN ITEMS Tarvelline_VST3 Tarvelline_LV2)
+    if(TARGET ${module} AND CMAKE_SYSTEM_NAME STREQUAL Linux)
+        target_link_options(${module} PRIVATE "-Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/entry-points.map")
+        set_property(TARGET ${module} APPEND PROPERTY LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/entry-points.map")
+    endif()
+endforeach()
+
 if(TARGET Tarvelline_Standalone)
     set_target_properties(Tarvelline_Standalone PROPERTIES OUTPUT_NAME tarvelline) # a command, in lower case as others
     tarvelline_strict_sources(Tarvelline_Standalone "${PROJECT_SOURCE_DIR}/editor/StandaloneEntry.cpp")
