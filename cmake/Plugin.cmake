@@ -7,10 +7,20 @@ if(JUCE_VERSION VERSION_LESS 7.0.5)
     message(FATAL_ERROR "JUCE 7.0.5 or newer is needed, and ${JUCE_DIR} is ${JUCE_VERSION}")
 endif()
 
+# Files of which there is one a system end in its name.
+if(WIN32)
+    set(TARVELLINE_SYSTEM Windows)
+else()
+    set(TARVELLINE_SYSTEM Posix)
+endif()
+
 set(TARVELLINE_FORMATS VST3)
 if(NOT TARVELLINE_SANITIZE)
-    # Not under sanitizers: while building, the LV2 module is loaded by a program that has none.
-    list(APPEND TARVELLINE_FORMATS LV2 Standalone)
+    list(APPEND TARVELLINE_FORMATS Standalone)
+endif()
+if(NOT TARVELLINE_SANITIZE AND NOT WIN32)
+    # While building, the LV2 module is loaded by a program: one without sanitizers, and of this machine.
+    list(APPEND TARVELLINE_FORMATS LV2)
 endif()
 
 set(TARVELLINE_LV2_URI "https://vorntaal.org/plugins/tarvelline")
@@ -20,6 +30,8 @@ juce_add_plugin(Tarvelline
     PRODUCT_NAME "Tarvelline"
     COMPANY_NAME "Vorntaal"
     COMPANY_WEBSITE "https://vorntaal.org"
+    COMPANY_COPYRIGHT "The Tarvelline authors, GPL-3.0-or-later"
+    ICON_BIG "${PROJECT_SOURCE_DIR}/packaging/tarvelline.png"
     VERSION "${PROJECT_VERSION}"
     BUNDLE_ID "org.vorntaal.tarvelline"
     PLUGIN_MANUFACTURER_CODE Vorn
@@ -56,6 +68,13 @@ target_link_libraries(Tarvelline
     PUBLIC
         tarvelline_engine)
 
+# Where the framework takes its picture formats from the system, its own build files link them on Linux alone.
+if(WIN32)
+    find_package(PNG REQUIRED)
+    find_package(JPEG REQUIRED)
+    target_link_libraries(Tarvelline PUBLIC PNG::PNG JPEG::JPEG)
+endif()
+
 add_subdirectory(resources)
 target_link_libraries(Tarvelline PRIVATE tarvelline_resources)
 
@@ -72,6 +91,8 @@ endforeach()
 
 if(TARGET Tarvelline_Standalone)
     set_target_properties(Tarvelline_Standalone PROPERTIES OUTPUT_NAME tarvelline) # a command, in lower case as others
+endif()
+if(TARGET Tarvelline_Standalone AND NOT WIN32)
     tarvelline_strict_sources(Tarvelline_Standalone "${PROJECT_SOURCE_DIR}/editor/StandaloneEntry.cpp")
     target_compile_definitions(Tarvelline_Standalone PRIVATE JUCE_USE_CUSTOM_PLUGIN_STANDALONE_ENTRYPOINT=1)
 endif()
@@ -90,8 +111,9 @@ function(tarvelline_use_shared_code target)
     target_link_libraries(${target} PRIVATE Tarvelline tarvelline_warnings)
 endfunction()
 
-# Where the finished module stands, for the programs that load it.
-set(TARVELLINE_MODULE_PATH "$<GENEX_EVAL:$<TARGET_PROPERTY:Tarvelline_VST3,JUCE_PLUGIN_ARTEFACT_FILE>>")
+# Where the finished module stands, a folder; and what the programs that load it open, on Windows the file in it.
+set(TARVELLINE_BUNDLE "$<GENEX_EVAL:$<TARGET_PROPERTY:Tarvelline_VST3,JUCE_PLUGIN_ARTEFACT_FILE>>")
+set(TARVELLINE_MODULE_PATH "$<IF:$<PLATFORM_ID:Windows>,$<TARGET_FILE:Tarvelline_VST3>,${TARVELLINE_BUNDLE}>")
 
 # Where tools/presets puts the factory presets: beside the module, in the folders that an installed one has them in.
-set(TARVELLINE_PRESETS_DIR "$<PATH:GET_PARENT_PATH,$<GENEX_EVAL:${TARVELLINE_MODULE_PATH}>>/presets/Vorntaal/Tarvelline")
+set(TARVELLINE_PRESETS_DIR "$<PATH:GET_PARENT_PATH,$<GENEX_EVAL:${TARVELLINE_BUNDLE}>>/presets/Vorntaal/Tarvelline")

@@ -91,10 +91,15 @@ void writeState (NewFile& file, const ModuleBank& module)
     writeWhole (file, [&] (juce::OutputStream& stream) { return stream.write (state.getData(), state.getSize()); });
 }
 
-// What messages and pictures call a file, or what stands for it.
+// What messages call a file, or what stands for it; and what pictures do.
 juce::String pathOr (const char* pipe, const juce::File& file)
 {
     return file == juce::File() ? juce::String (pipe) : file.getFullPathName();
+}
+
+juce::String nameOr (const char* pipe, const juce::File& file)
+{
+    return file == juce::File() ? juce::String (pipe) : file.getFileName();
 }
 
 void printSummary (const Task& task, int bits, const RecordingOutput& out, double rate, int latency,
@@ -129,10 +134,8 @@ void drawPlot (const Task& task, NewFile& plot, const ShiftTrace& trace, Recordi
                int latency)
 {
     Recording after (rendered, rendered.getFullPathName());
-    const auto image =
-        drawFigure (sourceOf (before), sourceOf (after),
-                    pathOr ("standard input", task.input).fromLastOccurrenceOf ("/", false, false),
-                    pathOr ("standard output", task.output).fromLastOccurrenceOf ("/", false, false), trace, latency);
+    const auto image = drawFigure (sourceOf (before), sourceOf (after), nameOr ("standard input", task.input),
+                                   nameOr ("standard output", task.output), trace, latency);
     writeWhole (plot,
                 [&] (juce::OutputStream& stream) { return juce::PNGImageFormat().writeImageToStream (image, stream); });
 }
