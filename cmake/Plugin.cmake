@@ -7,10 +7,12 @@ if(JUCE_VERSION VERSION_LESS 7.0.5)
     message(FATAL_ERROR "JUCE 7.0.5 or newer is needed, and ${JUCE_DIR} is ${JUCE_VERSION}")
 endif()
 
-set(TARVELLINE_FORMATS VST3)
-if(NOT TARVELLINE_SANITIZE)
-    # Not under sanitizers: while building, the LV2 module is loaded by a program that has none.
-    list(APPEND TARVELLINE_FORMATS LV2 Standalone)
+set(TARVELLINE_FORMATS VST3 LV2 Standalone)
+set(describe_module TRUE)
+if(TARVELLINE_SANITIZE)
+    # While building, a program that has no sanitizer loads the LV2 module, and from JUCE 8 on the VST3 module.
+    set(TARVELLINE_FORMATS VST3)
+    set(describe_module FALSE)
 endif()
 
 set(TARVELLINE_LV2_URI "https://vorntaal.org/plugins/tarvelline")
@@ -31,7 +33,8 @@ juce_add_plugin(Tarvelline
     NEEDS_MIDI_OUTPUT FALSE
     IS_MIDI_EFFECT FALSE
     VST3_CATEGORIES Fx "Pitch Shift"
-    COPY_PLUGIN_AFTER_BUILD FALSE)
+    COPY_PLUGIN_AFTER_BUILD FALSE
+    VST3_AUTO_MANIFEST ${describe_module}) # last, after a single value: releases before 8 pass over what they do not know
 
 target_compile_definitions(Tarvelline PUBLIC
     JUCE_VST3_CAN_REPLACE_VST2=0
