@@ -6,12 +6,13 @@
 #include "widgets/FollowDial.h"
 #include "widgets/HostedControl.h"
 #include "widgets/Keyboard.h"
+#include "widgets/ModeButton.h"
 #include "widgets/SnapSlider.h"
-#include "widgets/SpokenValue.h"
+#include "widgets/TitledBox.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
-#include <array>
+#include <vector>
 
 namespace tarvelline
 {
