@@ -95,6 +95,7 @@ private:
     void bendWheel (int value14Bit) noexcept;
     struct Run;
     void shiftRun (Run&) noexcept;
+    void fadeRun (Run&) noexcept;
     void mixRun (Run&, float mix) noexcept;
 
     BlockParameters blockParameters;
