@@ -14,13 +14,15 @@ else()
     set(TARVELLINE_SYSTEM Posix)
 endif()
 
-set(TARVELLINE_FORMATS VST3)
-if(NOT TARVELLINE_SANITIZE)
-    list(APPEND TARVELLINE_FORMATS Standalone)
-endif()
-if(NOT TARVELLINE_SANITIZE AND NOT WIN32)
-    # While building, the LV2 module is loaded by a program: one without sanitizers, and of this machine.
-    list(APPEND TARVELLINE_FORMATS LV2)
+# While building, a program loads the LV2 module, and from JUCE 8 on the VST3 module: one without sanitizers, and of this system.
+set(TARVELLINE_FORMATS VST3 LV2 Standalone)
+set(describe_module TRUE)
+if(TARVELLINE_SANITIZE)
+    set(TARVELLINE_FORMATS VST3)
+    set(describe_module FALSE)
+elseif(WIN32)
+    set(TARVELLINE_FORMATS VST3 Standalone)
+    set(describe_module FALSE)
 endif()
 
 set(TARVELLINE_LV2_URI "https://vorntaal.org/plugins/tarvelline")
@@ -43,7 +45,8 @@ juce_add_plugin(Tarvelline
     NEEDS_MIDI_OUTPUT FALSE
     IS_MIDI_EFFECT FALSE
     VST3_CATEGORIES Fx "Pitch Shift"
-    COPY_PLUGIN_AFTER_BUILD FALSE)
+    COPY_PLUGIN_AFTER_BUILD FALSE
+    VST3_AUTO_MANIFEST ${describe_module}) # last, after a single value: releases before 8 pass over what they do not know
 
 target_compile_definitions(Tarvelline PUBLIC
     JUCE_VST3_CAN_REPLACE_VST2=0
@@ -81,6 +84,13 @@ target_link_libraries(Tarvelline PRIVATE tarvelline_resources)
 add_subdirectory(processor)
 add_subdirectory(widgets)
 add_subdirectory(editor)
+
+foreach(module IN ITEMS Tarvelline_VST3 Tarvelline_LV2)
+    if(TARGET ${module} AND CMAKE_SYSTEM_NAME STREQUAL Linux)
+        target_link_options(${module} PRIVATE "-Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/entry-points.map")
+        set_property(TARGET ${module} APPEND PROPERTY LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/entry-points.map")
+    endif()
+endforeach()
 
 if(TARGET Tarvelline_Standalone)
     set_target_properties(Tarvelline_Standalone PROPERTIES OUTPUT_NAME tarvelline) # a command, in lower case as others

@@ -2,6 +2,7 @@
 #include "widgets/FollowDial.h"
 
 #include "BinaryData.h"
+#include "widgets/Fonts.h"
 #include "widgets/RotaryGeometry.h"
 #include "widgets/SpokenValue.h"
 
@@ -54,7 +55,8 @@ FollowDial::FollowDial()
     : ring (BinaryData::followWheel_png, BinaryData::followWheel_pngSize, BinaryData::followWheel2x_png,
             BinaryData::followWheel2x_pngSize),
       face ([this] (float width) { return faceFor (width); }),
-      dialFont (juce::Typeface::createSystemTypefaceFor (BinaryData::scifi2k2_ttf, BinaryData::scifi2k2_ttfSize)),
+      dialFont (
+          fontOf (juce::Typeface::createSystemTypefaceFor (BinaryData::scifi2k2_ttf, BinaryData::scifi2k2_ttfSize))),
       flashCounter (flashLength + flashDelay)
 {
     setInterceptsMouseClicks (false, false);
@@ -195,7 +197,7 @@ juce::Rectangle<int> FollowDial::numberArea() const
 {
     const auto font = dialFont.withHeight (static_cast<float> (getHeight()) * numberHeight);
     return numberBox()
-        .withSizeKeepingCentre (font.getStringWidthFloat ("-100.00"), font.getHeight())
+        .withSizeKeepingCentre (widthOf (font, "-100.00"), font.getHeight())
         .getSmallestIntegerContainer()
         .expanded (1);
 }
