@@ -3,8 +3,8 @@
 add_custom_target(tarvelline_product)
 add_dependencies(tarvelline_product Tarvelline_VST3 Tarvelline_Standalone tarvelline_render tarvelline_preset_files)
 
-install(TARGETS Tarvelline_VST3 LIBRARY DESTINATION VST3/Tarvelline.vst3/Contents/x86_64-win)
-install(TARGETS Tarvelline_Standalone tarvelline_render RUNTIME DESTINATION .)
+install(FILES "$<TARGET_FILE:Tarvelline_VST3>" DESTINATION VST3/Tarvelline.vst3/Contents/x86_64-win)
+install(FILES "$<TARGET_FILE:Tarvelline_Standalone>" "$<TARGET_FILE:tarvelline_render>" DESTINATION .)
 install(DIRECTORY "${TARVELLINE_PRESETS_DIR}" DESTINATION "VST3 Presets/Vorntaal")
 install(FILES packaging/windows/README.txt packaging/copyright CHANGELOG.md DESTINATION .)
 install(FILES LICENSE DESTINATION . RENAME LICENSE.txt)
