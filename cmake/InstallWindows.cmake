@@ -10,3 +10,5 @@ install(FILES packaging/windows/README.txt packaging/copyright CHANGELOG.md DEST
 install(FILES LICENSE DESTINATION . RENAME LICENSE.txt)
 install(FILES docs/manual.md docs/presets.md docs/rendering.md DESTINATION doc)
 install(DIRECTORY docs/images DESTINATION doc)
+install(DIRECTORY "${TARVELLINE_STATIC_LIBRARIES}/sources/" DESTINATION licences
+    FILES_MATCHING PATTERN copyright PATTERN googletest EXCLUDE) # of the libraries that the programs hold

@@ -4,19 +4,19 @@ set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
 set(triple x86_64-w64-mingw32)
 cmake_path(SET root NORMALIZE "${CMAKE_CURRENT_LIST_DIR}/../..")
-set(libraries "${root}build/static/${triple}")
+set(TARVELLINE_STATIC_LIBRARIES "${root}build/static/${triple}")
 
 set(CMAKE_C_COMPILER ${triple}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${triple}-g++-posix)
 set(CMAKE_RC_COMPILER ${triple}-windres)
 set(CMAKE_CROSSCOMPILING_EMULATOR wine)
 
-set(CMAKE_FIND_ROOT_PATH "${libraries}" "/usr/${triple}")
+set(CMAKE_FIND_ROOT_PATH "${TARVELLINE_STATIC_LIBRARIES}" "/usr/${triple}")
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(ENV{PKG_CONFIG_LIBDIR} "${libraries}/lib/pkgconfig")
+set(ENV{PKG_CONFIG_LIBDIR} "${TARVELLINE_STATIC_LIBRARIES}/lib/pkgconfig")
 set(PKG_CONFIG_ARGN --static)
 
 # Everything in one file, which holds no time of day and no place, so that two builds of one commit are the same.
