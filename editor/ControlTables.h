@@ -7,8 +7,8 @@
 #include "widgets/HostedControl.h"
 #include "widgets/Keyboard.h"
 #include "widgets/ModeButton.h"
-#include "widgets/SnapSlider.h"
 #include "widgets/MyComboBox.h"
+#include "widgets/SnapSlider.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
