@@ -7,11 +7,21 @@ if(JUCE_VERSION VERSION_LESS 7.0.5)
     message(FATAL_ERROR "JUCE 7.0.5 or newer is needed, and ${JUCE_DIR} is ${JUCE_VERSION}")
 endif()
 
+# Files of which there is one a system end in its name.
+if(WIN32)
+    set(TARVELLINE_SYSTEM Windows)
+else()
+    set(TARVELLINE_SYSTEM Posix)
+endif()
+
+# While building, a program loads the LV2 module, and from JUCE 8 on the VST3 module: one without sanitizers, and of this system.
 set(TARVELLINE_FORMATS VST3 LV2 Standalone)
 set(describe_module TRUE)
 if(TARVELLINE_SANITIZE)
-    # While building, a program that has no sanitizer loads the LV2 module, and from JUCE 8 on the VST3 module.
     set(TARVELLINE_FORMATS VST3)
+    set(describe_module FALSE)
+elseif(WIN32)
+    set(TARVELLINE_FORMATS VST3 Standalone)
     set(describe_module FALSE)
 endif()
 
@@ -22,6 +32,8 @@ juce_add_plugin(Tarvelline
     PRODUCT_NAME "Tarvelline"
     COMPANY_NAME "Vorntaal"
     COMPANY_WEBSITE "https://vorntaal.org"
+    COMPANY_COPYRIGHT "The Tarvelline authors, GPL-3.0-or-later"
+    ICON_BIG "${PROJECT_SOURCE_DIR}/packaging/tarvelline.png"
     VERSION "${PROJECT_VERSION}"
     BUNDLE_ID "org.vorntaal.tarvelline"
     PLUGIN_MANUFACTURER_CODE Vorn
@@ -59,6 +71,13 @@ target_link_libraries(Tarvelline
     PUBLIC
         tarvelline_engine)
 
+# Where the framework takes its picture formats from the system, its own build files link them on Linux alone.
+if(WIN32)
+    find_package(PNG REQUIRED)
+    find_package(JPEG REQUIRED)
+    target_link_libraries(Tarvelline PUBLIC PNG::PNG JPEG::JPEG)
+endif()
+
 add_subdirectory(resources)
 target_link_libraries(Tarvelline PRIVATE tarvelline_resources)
 
@@ -66,8 +85,17 @@ add_subdirectory(processor)
 add_subdirectory(widgets)
 add_subdirectory(editor)
 
+foreach(module IN ITEMS Tarvelline_VST3 Tarvelline_LV2)
+    if(TARGET ${module} AND CMAKE_SYSTEM_NAME STREQUAL Linux)
+        target_link_options(${module} PRIVATE "-Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/entry-points.map")
+        set_property(TARGET ${module} APPEND PROPERTY LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/entry-points.map")
+    endif()
+endforeach()
+
 if(TARGET Tarvelline_Standalone)
     set_target_properties(Tarvelline_Standalone PROPERTIES OUTPUT_NAME tarvelline) # a command, in lower case as others
+endif()
+if(TARGET Tarvelline_Standalone AND NOT WIN32)
     tarvelline_strict_sources(Tarvelline_Standalone "${PROJECT_SOURCE_DIR}/editor/StandaloneEntry.cpp")
     target_compile_definitions(Tarvelline_Standalone PRIVATE JUCE_USE_CUSTOM_PLUGIN_STANDALONE_ENTRYPOINT=1)
 endif()
@@ -86,8 +114,9 @@ function(tarvelline_use_shared_code target)
     target_link_libraries(${target} PRIVATE Tarvelline tarvelline_warnings)
 endfunction()
 
-# Where the finished module stands, for the programs that load it.
-set(TARVELLINE_MODULE_PATH "$<GENEX_EVAL:$<TARGET_PROPERTY:Tarvelline_VST3,JUCE_PLUGIN_ARTEFACT_FILE>>")
+# Where the finished module stands, a folder; and what the programs that load it open, on Windows the file in it.
+set(TARVELLINE_BUNDLE "$<GENEX_EVAL:$<TARGET_PROPERTY:Tarvelline_VST3,JUCE_PLUGIN_ARTEFACT_FILE>>")
+set(TARVELLINE_MODULE_PATH "$<IF:$<PLATFORM_ID:Windows>,$<TARGET_FILE:Tarvelline_VST3>,${TARVELLINE_BUNDLE}>")
 
 # Where tools/presets puts the factory presets: beside the module, in the folders that an installed one has them in.
-set(TARVELLINE_PRESETS_DIR "$<PATH:GET_PARENT_PATH,$<GENEX_EVAL:${TARVELLINE_MODULE_PATH}>>/presets/Vorntaal/Tarvelline")
+set(TARVELLINE_PRESETS_DIR "$<PATH:GET_PARENT_PATH,$<GENEX_EVAL:${TARVELLINE_BUNDLE}>>/presets/Vorntaal/Tarvelline")

@@ -179,18 +179,11 @@ void TarvellineAudioProcessor::handleMidiEvent (const juce::uint8* data, int siz
 void TarvellineAudioProcessor::noteEvent (int noteNumber, bool isOn) noexcept
 {
     if (! isOn)
-    {
         voices.release (noteNumber); // the transposition stays at the last note
-    }
     else if (midiTransposeMode)
-    {
-        lastNoteOffset = voices.transposeTo (noteNumber);
-        mainWheel.midiOffset = lastNoteOffset;
-    }
+        mainWheel.midiOffset = voices.transposeTo (noteNumber);
     else
-    {
         voices.startVoice (noteNumber);
-    }
 }
 
 void TarvellineAudioProcessor::bendWheel (int value14Bit) noexcept

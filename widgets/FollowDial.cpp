@@ -31,24 +31,6 @@ juce::Rectangle<int> markIn (const juce::Image& picture)
 // Of the dial's height
 constexpr float numberHeight = 1.0f / 6.0f;
 constexpr float infoHeight = 0.0625f;
-
-juce::String formatName (juce::AudioProcessor::WrapperType type)
-{
-    switch (type)
-    {
-        case juce::AudioProcessor::wrapperType_VST: return "VST";
-        case juce::AudioProcessor::wrapperType_VST3: return "VST3";
-        case juce::AudioProcessor::wrapperType_AudioUnit: return "AU";
-        case juce::AudioProcessor::wrapperType_AAX: return "AAX";
-        case juce::AudioProcessor::wrapperType_AudioUnitv3:
-        case juce::AudioProcessor::wrapperType_Standalone:
-        case juce::AudioProcessor::wrapperType_Unity:
-        case juce::AudioProcessor::wrapperType_LV2:
-        case juce::AudioProcessor::wrapperType_Undefined: break;
-    }
-
-    return {};
-}
 } // namespace
 
 FollowDial::FollowDial()
@@ -65,10 +47,10 @@ FollowDial::FollowDial()
 
 FollowDial::~FollowDial() { stopTimer(); }
 
-void FollowDial::setUp (TarvellineAudioProcessor& processor, int wheelIndex)
+void FollowDial::follow (const WheelRecord& record, const juce::String& info)
 {
-    wheel = wheelIndex == 0 ? &processor.mainWheel : &processor.timbWheel;
-    infoText = formatName (processor.wrapperType) + " 64 bit  v." JucePlugin_VersionString;
+    wheel = &record;
+    infoText = info;
 }
 
 std::unique_ptr<juce::AccessibilityHandler> FollowDial::createAccessibilityHandler()
