@@ -88,8 +88,7 @@ private:
     MainRotaryDraw mainRotaryLook;
     RotaryTick tickLook;
     RotaryDisplayTick displayTickLook;
-    TarvellineLookAndFeel mainLook;
-    MidiOptionsLookAndFeel midiOptionsLook;
+    FlatLookAndFeel mainLook { 0.8f }, midiOptionsLook { 0.4f }; // whose words need half the height
     EditorControls controls;
     juce::OwnedArray<juce::AudioProcessorValueTreeState::SliderAttachment> sliderAttachments;
     juce::OwnedArray<juce::AudioProcessorValueTreeState::ComboBoxAttachment> comboBoxAttachments;
