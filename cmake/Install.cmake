@@ -42,3 +42,5 @@ install(FILES ${manual_pages} DESTINATION share/man/man1)
 install(FILES packaging/copyright LICENSE "${packed}/changelog.gz" docs/manual.md docs/presets.md docs/rendering.md
     DESTINATION share/doc/tarvelline)
 install(DIRECTORY docs/images DESTINATION share/doc/tarvelline)
+# Versions and licences of the libraries that are linked in; none where the system's own are used.
+install(DIRECTORY "${CMAKE_PREFIX_PATH}/sources/" DESTINATION share/doc/tarvelline/libraries OPTIONAL)

@@ -3,10 +3,12 @@
 add_custom_target(tarvelline_product)
 add_dependencies(tarvelline_product Tarvelline_VST3 Tarvelline_Standalone tarvelline_render tarvelline_preset_files)
 
-install(TARGETS Tarvelline_VST3 LIBRARY DESTINATION VST3/Tarvelline.vst3/Contents/x86_64-win)
-install(TARGETS Tarvelline_Standalone tarvelline_render RUNTIME DESTINATION .)
+install(FILES "$<TARGET_FILE:Tarvelline_VST3>" DESTINATION VST3/Tarvelline.vst3/Contents/x86_64-win)
+install(FILES "$<TARGET_FILE:Tarvelline_Standalone>" "$<TARGET_FILE:tarvelline_render>" DESTINATION .)
 install(DIRECTORY "${TARVELLINE_PRESETS_DIR}" DESTINATION "VST3 Presets/Vorntaal")
 install(FILES packaging/windows/README.txt packaging/copyright CHANGELOG.md DESTINATION .)
 install(FILES LICENSE DESTINATION . RENAME LICENSE.txt)
 install(FILES docs/manual.md docs/presets.md docs/rendering.md DESTINATION doc)
 install(DIRECTORY docs/images DESTINATION doc)
+install(DIRECTORY "${TARVELLINE_STATIC_LIBRARIES}/sources/" DESTINATION licences
+    FILES_MATCHING PATTERN copyright PATTERN googletest EXCLUDE) # of the libraries that the programs hold

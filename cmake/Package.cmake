@@ -1,6 +1,7 @@
 # What `cpack` makes of the installed files: a .deb and a .tar.gz.
 set(CPACK_GENERATOR DEB TGZ)
 set(CPACK_PACKAGE_NAME tarvelline)
+string(TOLOWER "tarvelline-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR}" CPACK_PACKAGE_FILE_NAME)
 set(CPACK_PACKAGE_VENDOR Vorntaal)
 set(CPACK_PACKAGE_CONTACT "Vorntaal <tarvelline@vorntaal.org>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "pitch- and timbre-shifting wheel for audio (VST3, LV2, standalone)")
@@ -13,6 +14,7 @@ The package holds the effect as a VST3 and an LV2 plug-in and as a program that
 needs no host, a command that plays recordings through it, and factory presets.")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
+set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/PackageTimes.cmake")
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION sound)

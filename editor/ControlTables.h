@@ -7,8 +7,8 @@
 #include "widgets/HostedControl.h"
 #include "widgets/Keyboard.h"
 #include "widgets/ModeButton.h"
+#include "widgets/MyComboBox.h"
 #include "widgets/SnapSlider.h"
-#include "widgets/TitledBox.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
@@ -26,7 +26,7 @@ struct EditorControls
     SnapSlider pitchScaleSlider; // shows the scale; attached to nothing
     HostedControl<SnapSlider> pitchGravitySlider;
     HostedControl<SnapSlider> pitchInertiaSlider;
-    HostedControl<TitledBox> pitchRangeBox;
+    HostedControl<MyComboBox> pitchRangeBox;
     HostedControl<SnapSlider> pitchSmoothSlider;
     HostedControl<SnapSlider> mixerSlider;
     FollowDial pitchDial;
@@ -38,7 +38,7 @@ struct EditorControls
     HostedControl<SnapSlider> timbreGravitySlider;
     HostedControl<SnapSlider> timbreInertiaSlider;
     HostedControl<SnapSlider> timbreSmoothSlider;
-    HostedControl<TitledBox> timbreRangeBox;
+    HostedControl<MyComboBox> timbreRangeBox;
     FollowDial timbreDial;
     FocusRing focusRing; // around the one that has the keyboard
 };

@@ -22,7 +22,7 @@ namespace tarvelline
             state. What the editor and audio both touch stands in the public section, as atomics.
     Real time: the two block functions neither allocate, lock nor call the system.
     Latency: 2048 samples up to 48 kHz, 4096 up to 96 kHz, 8192 above. */
-class TarvellineAudioProcessor : public juce::AudioProcessor, public juce::AudioProcessorValueTreeState::Listener
+class TarvellineAudioProcessor : public juce::AudioProcessor, private juce::AudioProcessorParameter::Listener
 {
 public:
     TarvellineAudioProcessor();
@@ -67,9 +67,6 @@ public:
 
     bool isBusesLayoutSupported (const BusesLayout&) const override;
 
-    /** Keeps the sounding shift where it is when a wheel's span changes. Any thread. */
-    void parameterChanged (const juce::String& parameterID, float newValue) override;
-
     /** A note-on (with any velocity above 0), a note-off or a pitch-bend on any channel; other messages are ignored.
         Audio thread.
         @param data  the message's bytes, @param size  how many */
@@ -86,10 +83,15 @@ public:
     RelaxedAtomic<double> bendSteps { 0.0 };        // pitch-bend quantisation, 0 = none; written by the editor
 
 private:
+    /** Keeps the sounding shift where it is when a wheel's span changes. Any thread, under the parameter's own lock. */
+    void parameterValueChanged (int index, float) override;
+    void parameterGestureChanged (int, bool) override {}
+
     void refreshWheelSettings();
     void refreshWheel (WheelRecord&, juce::StringRef wheelId, juce::StringRef rangeId, juce::StringRef inertiaId,
                        juce::StringRef gravityId, juce::StringRef smoothId);
-    void keepShiftForRange (WheelRecord&, juce::StringRef wheelId, float rangeSelector);
+    void keepShiftForRange (WheelRecord&, RelaxedAtomic<float>& lastRange, juce::StringRef wheelId,
+                            juce::StringRef rangeId);
     void setTimbreInUse (bool shouldBeInUse) noexcept;
     void noteEvent (int noteNumber, bool isOn) noexcept;
     void bendWheel (int value14Bit) noexcept;
@@ -98,6 +100,7 @@ private:
     void fadeRun (Run&) noexcept;
     void mixRun (Run&, float mix) noexcept;
 
+    RelaxedAtomic<float> lastMainRange { -1.0f }, lastTimbRange { -1.0f }; // selectors as last told of; negative before
     BlockParameters blockParameters;
     EngineBank engine;
     bool toggleSizeOn = false;   // the timbre wheel is in use, as of the last block

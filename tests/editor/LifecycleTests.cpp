@@ -91,7 +91,7 @@ TEST (Accessibility, AScreenReaderHearsWhatTheEyeSees)
     ((juce::Timer&) rig.control<FollowDial> ("pitchDial")).timerCallback(); // a private base, hence this form of cast
 
     EXPECT_EQ (spoken<ModeButton> (rig, "midiModeButton"), "MIDI note mode: Multi");
-    EXPECT_EQ (spoken<TitledBox> (rig, "pitchRangeBox"), "Pitch range in semitones: 24");
+    EXPECT_EQ (spoken<MyComboBox> (rig, "pitchRangeBox"), "Pitch range in semitones: 24");
     EXPECT_EQ (spoken<FollowDial> (rig, "pitchDial"), "Sounding pitch shift: 6.00 semitones");
     EXPECT_EQ (spoken<Keyboard> (rig, "keyboard"), "Held notes: C#4 G4");
 }

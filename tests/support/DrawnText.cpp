@@ -20,9 +20,9 @@ public:
     {
         constexpr auto mostBlanks = 3.0f; // a wider gap parts two texts
         const auto& font = stack->font;
-        const auto character = characterFor (glyph);
+        const auto characters = charactersFor (glyph);
 
-        if (character == " ")
+        if (characters == " ")
             return;
 
         const auto position = juce::Point<float>().transformedBy (stack->transform.getTransformWith (transform));
@@ -42,20 +42,23 @@ public:
         else
             texts.back().text += juce::String::repeatedString (" ", static_cast<int> (blanks));
 
-        texts.back().text += character;
-        texts.back().right = position.x + widthOf (font, character);
+        texts.back().text += characters;
+        texts.back().right = position.x + widthOf (font, characters);
     }
 
     std::vector<DrawnText> texts;
 
 private:
-    juce::String characterFor (int glyph)
+    juce::String charactersFor (int glyph)
     {
+        constexpr auto ligature = juce::juce_wchar { 0xfb00 }; // of two letters f
+        auto& typeface = *stack->font.getTypefacePtr();
+
         for (auto c = juce::juce_wchar { ' ' }; c <= '~'; ++c)
-            if (glyphOf (*stack->font.getTypefacePtr(), c) == glyph)
+            if (glyphOf (typeface, c) == glyph)
                 return juce::String::charToString (c);
 
-        return "?";
+        return glyphOf (typeface, ligature) == glyph ? "ff" : "?";
     }
 };
 } // namespace

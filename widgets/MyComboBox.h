@@ -9,7 +9,7 @@ namespace tarvelline
 {
 /** A combo box without a body: only its text shows, on the panel. A click leaves the keyboard where it is, and a screen reader
     calls it by its title; the framework's own goes by what is chosen in it alone. Message thread only. */
-class TitledBox : public juce::ComboBox
+class MyComboBox : public juce::ComboBox
 {
 public:
     void paint (juce::Graphics&) override {}

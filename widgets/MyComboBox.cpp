@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "widgets/TitledBox.h"
+#include "widgets/MyComboBox.h"
 
 #include "widgets/SpokenValue.h"
 
 namespace tarvelline
 {
 /** The text is a component, made anew with every look, that would take the keyboard by itself. */
-void TitledBox::childrenChanged()
+void MyComboBox::childrenChanged()
 {
     for (auto* child : getChildren())
         child->setMouseClickGrabsKeyboardFocus (false);
 }
 
-std::unique_ptr<juce::AccessibilityHandler> TitledBox::createAccessibilityHandler()
+std::unique_ptr<juce::AccessibilityHandler> MyComboBox::createAccessibilityHandler()
 {
     using Type = juce::AccessibilityActionType;
     const auto open = [this] { showPopup(); };
