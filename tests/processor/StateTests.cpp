@@ -5,8 +5,8 @@
 
 #include <cstring>
 #include <locale>
-#include <numeric>
 #include <random>
+#include <set>
 #include <tuple>
 
 namespace tarvelline::test
@@ -120,9 +120,8 @@ TEST (State, LeavesWhatItDoesNotNameAndAnnouncesAll)
     rig.restore (envelope ("<?xml version=\"1.0\"?>\n<TARVELLINEVERSION mixerPar=\"0.25\" "
                            "unknown=\"1\"><child/></TARVELLINEVERSION>"));
     EXPECT_EQ (rig.save(), expected.save());
-    std::vector<int> all (parameterTable.size());
-    std::iota (all.begin(), all.end(), 0);
-    EXPECT_EQ (host.changedParameters, all);
+    const auto& told = host.changedParameters;
+    EXPECT_EQ (std::set (told.begin(), told.end()).size(), parameterTable.size());
 }
 
 // A foreign or damaged block that changes half the settings, reads past its end or crashes.
