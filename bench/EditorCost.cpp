@@ -96,7 +96,7 @@ void runMessages (double seconds)
     const auto end = juce::Time::getMillisecondCounterHiRes() + 1000.0 * seconds;
 
     while (juce::Time::getMillisecondCounterHiRes() < end)
-        juce::dispatchNextMessageOnSystemQueue (false); // the dials' timers wake it
+        test::dispatchNextMessageOnSystemQueue (false); // the dials' timers wake it
 }
 
 /** @returns the message thread's share of one core */

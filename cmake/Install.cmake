@@ -28,6 +28,8 @@ get_target_property(artefacts Tarvelline_VST3 LIBRARY_OUTPUT_DIRECTORY)
 cmake_path(GET artefacts FILENAME architecture) # such as x86_64-linux
 
 install(TARGETS Tarvelline_VST3 LIBRARY DESTINATION "lib/vst3/Tarvelline.vst3/Contents/${architecture}")
+install(FILES "${artefacts}/../Resources/moduleinfo.json" DESTINATION lib/vst3/Tarvelline.vst3/Contents/Resources
+    OPTIONAL) # what JUCE from 8 on writes for hosts, so that they need not load the module to list it
 install(TARGETS Tarvelline_LV2 LIBRARY DESTINATION lib/lv2/Tarvelline.lv2)
 install(DIRECTORY "$<TARGET_FILE_DIR:Tarvelline_LV2>/" DESTINATION lib/lv2/Tarvelline.lv2 FILES_MATCHING PATTERN "*.ttl")
 install(TARGETS Tarvelline_Standalone tarvelline_render RUNTIME DESTINATION bin)
@@ -40,3 +42,5 @@ install(FILES ${manual_pages} DESTINATION share/man/man1)
 install(FILES packaging/copyright LICENSE "${packed}/changelog.gz" docs/manual.md docs/presets.md docs/rendering.md
     DESTINATION share/doc/tarvelline)
 install(DIRECTORY docs/images DESTINATION share/doc/tarvelline)
+# Versions and licences of the libraries that are linked in; none where the system's own are used.
+install(DIRECTORY "${CMAKE_PREFIX_PATH}/sources/" DESTINATION share/doc/tarvelline/libraries OPTIONAL)

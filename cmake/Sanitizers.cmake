@@ -6,6 +6,3 @@ if(TARVELLINE_SANITIZE)
     add_compile_options(-fsanitize=${sanitizers} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
     add_link_options(-fsanitize=${sanitizers})
 endif()
-
-# Strict floating point: guards of 1e-10 and exact tests mean what they say, and every machine rounds alike.
-add_compile_options(-ffp-contract=off)

@@ -3,9 +3,9 @@
 
 namespace tarvelline
 {
-std::array<Placement, 20> placementsOf (EditorControls& c)
+std::vector<Placement> placementsOf (EditorControls& c)
 {
-    return { {
+    return {
         { c.sizeButton, { 472.2f, 330.7f, 38.8f, 96.0f }, "sizeButton", "Show timbre section" },
         { c.mainWheelSlider, { 91.5f, 65.5f, 330.0f, 330.0f }, "mainWheelSlider", "Pitch wheel" },
         { c.pitchScaleSlider, { 41.5f, 15.5f, 430.0f, 430.0f }, "pitchScaleSlider", "Pitch scale" },
@@ -27,10 +27,10 @@ std::array<Placement, 20> placementsOf (EditorControls& c)
         { c.timbreSmoothSlider, { 862.6f, 421.6f, 77.0f, 77.0f }, "timbreSmoothSlider", "Timbre smooth" },
         { c.timbreRangeBox, { 536.5f, 21.9f, 74.0f, 49.6f }, "timbreRangeBox", "Timbre range in semitones" },
         { c.timbreSnapButton, { 928.2f, 21.9f, 74.0f, 49.6f }, "timbreSnapButton", "Timbre snap" },
-    } };
+    };
 }
 
-std::array<juce::Component*, 22> zOrderOf (EditorControls& c)
+std::vector<juce::Component*> zOrderOf (EditorControls& c)
 {
     return { &c.pitchDial,           &c.timbreDial,         &c.pitchScaleSlider,   &c.timbreScaleSlider,
              &c.mainWheelSlider,     &c.pitchGravitySlider, &c.pitchInertiaSlider, &c.pitchSmoothSlider,
@@ -40,46 +40,46 @@ std::array<juce::Component*, 22> zOrderOf (EditorControls& c)
              &c.focusRing,           &c.valueLabel };
 }
 
-std::array<juce::Slider*, 11> slidersOf (EditorControls& c)
+std::vector<juce::Slider*> slidersOf (EditorControls& c)
 {
     return { &c.mainWheelSlider,   &c.pitchGravitySlider,  &c.pitchInertiaSlider,  &c.pitchSmoothSlider,
              &c.timbreWheelSlider, &c.timbreGravitySlider, &c.timbreInertiaSlider, &c.timbreSmoothSlider,
              &c.mixerSlider,       &c.pitchScaleSlider,    &c.timbreScaleSlider };
 }
 
-std::array<Binding<juce::Slider>, 9> sliderBindingsOf (EditorControls& c)
+std::vector<Binding<juce::Slider>> sliderBindingsOf (EditorControls& c)
 {
-    return { { { c.mainWheelSlider, parameterId::mainWheelPar },
-               { c.pitchGravitySlider, parameterId::mainGravityPar },
-               { c.pitchInertiaSlider, parameterId::mainInertiaPar },
-               { c.pitchSmoothSlider, parameterId::mainSmoothPar },
-               { c.timbreWheelSlider, parameterId::timbWheelPar },
-               { c.timbreGravitySlider, parameterId::timbGravityPar },
-               { c.timbreInertiaSlider, parameterId::timbInertiaPar },
-               { c.timbreSmoothSlider, parameterId::timbSmoothPar },
-               { c.mixerSlider, parameterId::mixerPar } } };
+    return { { c.mainWheelSlider, parameterId::mainWheelPar },
+             { c.pitchGravitySlider, parameterId::mainGravityPar },
+             { c.pitchInertiaSlider, parameterId::mainInertiaPar },
+             { c.pitchSmoothSlider, parameterId::mainSmoothPar },
+             { c.timbreWheelSlider, parameterId::timbWheelPar },
+             { c.timbreGravitySlider, parameterId::timbGravityPar },
+             { c.timbreInertiaSlider, parameterId::timbInertiaPar },
+             { c.timbreSmoothSlider, parameterId::timbSmoothPar },
+             { c.mixerSlider, parameterId::mixerPar } };
 }
 
-std::array<Binding<juce::Button>, 4> buttonBindingsOf (EditorControls& c)
+std::vector<Binding<juce::Button>> buttonBindingsOf (EditorControls& c)
 {
-    return { { { c.pitchSnapButton, parameterId::mainSnap },
-               { c.timbreSnapButton, parameterId::timbSnap },
-               { c.sizeButton, parameterId::toggleSize },
-               { c.midiModeButton, parameterId::midiOptions } } };
+    return { { c.pitchSnapButton, parameterId::mainSnap },
+             { c.timbreSnapButton, parameterId::timbSnap },
+             { c.sizeButton, parameterId::toggleSize },
+             { c.midiModeButton, parameterId::midiOptions } };
 }
 
-std::array<Binding<juce::ComboBox>, 2> boxBindingsOf (EditorControls& c)
+std::vector<Binding<juce::ComboBox>> boxBindingsOf (EditorControls& c)
 {
-    return { { { c.pitchRangeBox, parameterId::mainRange }, { c.timbreRangeBox, parameterId::timbRange } } };
+    return { { c.pitchRangeBox, parameterId::mainRange }, { c.timbreRangeBox, parameterId::timbRange } };
 }
 
-std::array<PhysicsKnob, 6> physicsKnobsOf (EditorControls& c, TarvellineAudioProcessor& processor)
+std::vector<PhysicsKnob> physicsKnobsOf (EditorControls& c, TarvellineAudioProcessor& processor)
 {
-    return { { { c.pitchGravitySlider, processor.mainWheel, setGravity },
-               { c.pitchInertiaSlider, processor.mainWheel, setInertia },
-               { c.pitchSmoothSlider, processor.mainWheel, setSmooth },
-               { c.timbreGravitySlider, processor.timbWheel, setGravity },
-               { c.timbreInertiaSlider, processor.timbWheel, setInertia },
-               { c.timbreSmoothSlider, processor.timbWheel, setSmooth } } };
+    return { { c.pitchGravitySlider, processor.mainWheel, setGravity },
+             { c.pitchInertiaSlider, processor.mainWheel, setInertia },
+             { c.pitchSmoothSlider, processor.mainWheel, setSmooth },
+             { c.timbreGravitySlider, processor.timbWheel, setGravity },
+             { c.timbreInertiaSlider, processor.timbWheel, setInertia },
+             { c.timbreSmoothSlider, processor.timbWheel, setSmooth } };
 }
 } // namespace tarvelline

@@ -6,12 +6,13 @@
 #include "widgets/FollowDial.h"
 #include "widgets/HostedControl.h"
 #include "widgets/Keyboard.h"
+#include "widgets/ModeButton.h"
+#include "widgets/MyComboBox.h"
 #include "widgets/SnapSlider.h"
-#include "widgets/SpokenValue.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
-#include <array>
+#include <vector>
 
 namespace tarvelline
 {
@@ -25,7 +26,7 @@ struct EditorControls
     SnapSlider pitchScaleSlider; // shows the scale; attached to nothing
     HostedControl<SnapSlider> pitchGravitySlider;
     HostedControl<SnapSlider> pitchInertiaSlider;
-    HostedControl<TitledBox> pitchRangeBox;
+    HostedControl<MyComboBox> pitchRangeBox;
     HostedControl<SnapSlider> pitchSmoothSlider;
     HostedControl<SnapSlider> mixerSlider;
     FollowDial pitchDial;
@@ -37,7 +38,7 @@ struct EditorControls
     HostedControl<SnapSlider> timbreGravitySlider;
     HostedControl<SnapSlider> timbreInertiaSlider;
     HostedControl<SnapSlider> timbreSmoothSlider;
-    HostedControl<TitledBox> timbreRangeBox;
+    HostedControl<MyComboBox> timbreRangeBox;
     FollowDial timbreDial;
     FocusRing focusRing; // around the one that has the keyboard
 };
@@ -70,11 +71,11 @@ struct PhysicsKnob
     void (*apply) (WheelRecord&, double);
 };
 
-std::array<Placement, 20> placementsOf (EditorControls&);    // in the order of laying out
-std::array<juce::Component*, 22> zOrderOf (EditorControls&); // bottom to top
-std::array<juce::Slider*, 11> slidersOf (EditorControls&);   // in the order of styling
-std::array<Binding<juce::Slider>, 9> sliderBindingsOf (EditorControls&);
-std::array<Binding<juce::Button>, 4> buttonBindingsOf (EditorControls&);
-std::array<Binding<juce::ComboBox>, 2> boxBindingsOf (EditorControls&);
-std::array<PhysicsKnob, 6> physicsKnobsOf (EditorControls&, TarvellineAudioProcessor&);
+std::vector<Placement> placementsOf (EditorControls&);    // in the order of laying out
+std::vector<juce::Component*> zOrderOf (EditorControls&); // bottom to top
+std::vector<juce::Slider*> slidersOf (EditorControls&);   // in the order of styling
+std::vector<Binding<juce::Slider>> sliderBindingsOf (EditorControls&);
+std::vector<Binding<juce::Button>> buttonBindingsOf (EditorControls&);
+std::vector<Binding<juce::ComboBox>> boxBindingsOf (EditorControls&);
+std::vector<PhysicsKnob> physicsKnobsOf (EditorControls&, TarvellineAudioProcessor&);
 } // namespace tarvelline

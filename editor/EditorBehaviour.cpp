@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the window does once it stands: ranges, snapping, MIDI mode, size mode, the value read-out and the timer.
+// What the window does once it stands: ranges, snapping, MIDI mode, the value read-out and the timer.
 #include "editor/HostKeyboard.h"
 #include "editor/TarvellineAudioProcessorEditor.h"
 
@@ -9,8 +9,6 @@ namespace tarvelline
 {
 namespace
 {
-constexpr float fullAspectRatio =
-    1.77778f;                         // a little above 16 / 9, so that truncated widths come out whole: 288 -> 512
 constexpr int readOutTicks = 25;      // of the timer: 1.5 s
 constexpr int readOutDistance = 12;   // design units from a knob's top to the read-out's centre, midway to the scale
 constexpr double freeSemitones = 0.1; // of a wheel's step off its grid
@@ -101,45 +99,12 @@ void TarvellineAudioProcessorEditor::applyMidiMode()
         processor.outputGain = 0.0f; // fades in again
 }
 
-void TarvellineAudioProcessorEditor::applySizeMode()
-{
-    sizeMode = controls.sizeButton.getToggleState() ? 1 : 2;
-    aspectRatio = fullAspectRatio / static_cast<float> (sizeMode);
-    getConstrainer()->setFixedAspectRatio (static_cast<double> (aspectRatio));
-
-    // What lies outside the window is out of reach of the Tab key and of screen readers too.
-    const auto shownWidth = designWidth / sizeMode;
-
-    for (auto& place : placementsOf (controls))
-        place.control.setVisible (place.bounds.getX() < static_cast<float> (shownWidth));
-
-    sizeIsDue = true;
-    applyDueSize();
-}
-
-/** Only on the screen: until the host has attached its event loop to the window this may be a thread of the framework's, and
-    no host expects to be asked for a size on one. */
-void TarvellineAudioProcessorEditor::applyDueSize()
-{
-    if (sizeIsDue && getPeer() != nullptr)
-    {
-        sizeIsDue = false;
-        setBounds (getX(), getY(), widthFor (getHeight()), getHeight());
-        resized();
-    }
-}
-
 void TarvellineAudioProcessorEditor::parentHierarchyChanged()
 {
     applyDueSize();
 
     if (getPeer() != nullptr && processor.wrapperType != juce::AudioProcessor::wrapperType_Standalone)
         leaveKeyboardToHost();
-}
-
-int TarvellineAudioProcessorEditor::widthFor (int height) const noexcept
-{
-    return static_cast<int> (static_cast<float> (height) * aspectRatio);
 }
 
 void TarvellineAudioProcessorEditor::sliderValueChanged (juce::Slider* slider)

@@ -2,28 +2,42 @@
 #include "editor/TarvellineAudioProcessorEditor.h"
 
 #include "BinaryData.h"
+#include "widgets/Fonts.h"
 #include "widgets/PuckRepaint.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace tarvelline
 {
 namespace
 {
-constexpr int minimumHeight = 258; // pixels
 constexpr int timerMilliseconds = 60;
 
 constexpr juce::uint32 pointerColour = 0xffffffff;
 constexpr juce::uint32 tickColour = 0xff203040;
 constexpr juce::uint32 numberColour = 0xfffaebd7;
-constexpr juce::uint32 panelColour = 0xff728497; // of its ground
 constexpr juce::uint32 menuColour = 0xff04070b;
 constexpr juce::uint32 menuHighlightColour = 0xff364e65;
 constexpr juce::uint32 readOutColour = 0xc0101030;
 
-constexpr const char* rangeNames[] = { "2", "4", "6", "12", "24", "48" }; // semitones, as in wheelRangeTable
+juce::String formatName (juce::AudioProcessor::WrapperType type)
+{
+    switch (type)
+    {
+        case juce::AudioProcessor::wrapperType_VST: return "VST";
+        case juce::AudioProcessor::wrapperType_VST3: return "VST3";
+        case juce::AudioProcessor::wrapperType_AudioUnit: return "AU";
+        case juce::AudioProcessor::wrapperType_AAX: return "AAX";
+        case juce::AudioProcessor::wrapperType_AudioUnitv3:
+        case juce::AudioProcessor::wrapperType_Standalone:
+        case juce::AudioProcessor::wrapperType_Unity:
+        case juce::AudioProcessor::wrapperType_LV2:
+        case juce::AudioProcessor::wrapperType_Undefined: break;
+    }
+
+    return {};
+}
 
 /** Lets a slider that is attached to a parameter take no NaN, which a host may store there: one differs from itself, and the
     slider would tell itself of the change for ever, on the message thread. */
@@ -70,23 +84,7 @@ TarvellineAudioProcessorEditor::TarvellineAudioProcessorEditor (TarvellineAudioP
     startTimer (timerMilliseconds);
 }
 
-TarvellineAudioProcessorEditor::~TarvellineAudioProcessorEditor()
-{
-    stopTimer();
-
-    for (auto* child : getChildren()) // before any look goes
-        child->setLookAndFeel (nullptr);
-
-    midiOptionsLook.reset();
-    mainLook.reset();
-    displayTickLook.reset();
-    tickLook.reset();
-    mainRotaryLook.reset();
-
-    buttonAttachments.clear(); // before the controls they bind
-    comboBoxAttachments.clear();
-    sliderAttachments.clear();
-}
+TarvellineAudioProcessorEditor::~TarvellineAudioProcessorEditor() { stopTimer(); }
 
 /** All text is in the display face where the system has no font at all; it would not be drawn otherwise. */
 void TarvellineAudioProcessorEditor::chooseTypeface()
@@ -98,8 +96,9 @@ void TarvellineAudioProcessorEditor::chooseTypeface()
 
 void TarvellineAudioProcessorEditor::showProcessorState()
 {
-    controls.pitchDial.setUp (processor, 0);
-    controls.timbreDial.setUp (processor, 1);
+    const auto info = formatName (processor.wrapperType) + " 64 bit  v." JucePlugin_VersionString;
+    controls.pitchDial.follow (processor.mainWheel, info);
+    controls.timbreDial.follow (processor.timbWheel, info);
     controls.pitchDial.setRotaryParameters (controls.mainWheelSlider.getRotaryParameters());
     controls.timbreDial.setRotaryParameters (controls.timbreWheelSlider.getRotaryParameters());
     controls.keyboard.setVoices (processor.voices);
@@ -107,13 +106,13 @@ void TarvellineAudioProcessorEditor::showProcessorState()
 
 void TarvellineAudioProcessorEditor::setLookColours()
 {
-    tickLook->setColour (juce::Slider::thumbColourId, juce::Colour (pointerColour));
-    displayTickLook->setColour (juce::Slider::thumbColourId, juce::Colour (tickColour));
-    displayTickLook->setColour (juce::Slider::textBoxHighlightColourId, juce::Colour (numberColour));
-    mainLook->setColour (juce::PopupMenu::backgroundColourId, juce::Colour (menuColour));
-    mainLook->setColour (juce::PopupMenu::highlightedBackgroundColourId, juce::Colour (menuHighlightColour));
-    mainLook->setColour (juce::TextButton::buttonColourId, juce::Colours::transparentBlack);
-    mainLook->setColour (juce::TextButton::buttonOnColourId, juce::Colours::transparentBlack);
+    tickLook.setColour (juce::Slider::thumbColourId, juce::Colour (pointerColour));
+    displayTickLook.setColour (juce::Slider::thumbColourId, juce::Colour (tickColour));
+    displayTickLook.setColour (juce::Slider::textBoxHighlightColourId, juce::Colour (numberColour));
+    mainLook.setColour (juce::PopupMenu::backgroundColourId, juce::Colour (menuColour));
+    mainLook.setColour (juce::PopupMenu::highlightedBackgroundColourId, juce::Colour (menuHighlightColour));
+    mainLook.setColour (juce::TextButton::buttonColourId, juce::Colours::transparentBlack);
+    mainLook.setColour (juce::TextButton::buttonOnColourId, juce::Colours::transparentBlack);
 }
 
 void TarvellineAudioProcessorEditor::styleSliders()
@@ -123,18 +122,18 @@ void TarvellineAudioProcessorEditor::styleSliders()
         slider->setSliderStyle (juce::Slider::RotaryHorizontalVerticalDrag);
         slider->setTextBoxStyle (juce::Slider::NoTextBox, false, 0, 0);
         slider->setWantsKeyboardFocus (true);
-        slider->setLookAndFeel (tickLook.get());
+        slider->setLookAndFeel (&tickLook);
     }
 
     for (auto* wheel : { &controls.mainWheelSlider, &controls.timbreWheelSlider })
     {
-        wheel->setLookAndFeel (mainRotaryLook.get());
+        wheel->setLookAndFeel (&mainRotaryLook);
         wheel->setCachedComponentImage (new PuckRepaint (*wheel)); // the wheel owns it
     }
 
     for (auto* scale : { &controls.pitchScaleSlider, &controls.timbreScaleSlider })
     {
-        scale->setLookAndFeel (displayTickLook.get());
+        scale->setLookAndFeel (&displayTickLook);
         scale->setInterceptsMouseClicks (false, false);
         scale->setWantsKeyboardFocus (false);
         scale->setAccessible (false);
@@ -148,11 +147,11 @@ void TarvellineAudioProcessorEditor::fillRangeBoxes()
     {
         auto itemId = 0;
 
-        for (const auto* name : rangeNames)
-            box->addItem (name, ++itemId);
+        for (const auto semitones : wheelRangeTable)
+            box->addItem (juce::String (semitones, 0), ++itemId);
 
         box->setJustificationType (juce::Justification::centred);
-        box->setLookAndFeel (mainLook.get());
+        box->setLookAndFeel (&mainLook);
     }
 }
 
@@ -160,7 +159,7 @@ void TarvellineAudioProcessorEditor::styleValueLabel()
 {
     auto& label = controls.valueLabel;
     label.setSize (32, 16);
-    label.setFont (juce::Font (12.0f));
+    label.setFont (fontOfHeight (12.0f));
     label.setBorderSize ({}); // four characters need the whole width
     label.setJustificationType (juce::Justification::centred);
     label.setColour (juce::Label::textColourId, juce::Colour (readOutColour));
@@ -173,10 +172,10 @@ void TarvellineAudioProcessorEditor::styleButtons()
     for (auto& binding : buttonBindingsOf (controls))
     {
         binding.control.setClickingTogglesState (true);
-        binding.control.setLookAndFeel (mainLook.get());
+        binding.control.setLookAndFeel (&mainLook);
     }
 
-    controls.midiModeButton.setLookAndFeel (midiOptionsLook.get());
+    controls.midiModeButton.setLookAndFeel (&midiOptionsLook);
 }
 
 void TarvellineAudioProcessorEditor::nameControls()
@@ -250,69 +249,5 @@ void TarvellineAudioProcessorEditor::takeKeyboardByTabAlone()
 
     for (auto* child : getChildren())
         child->setMouseClickGrabsKeyboardFocus (false);
-}
-
-void TarvellineAudioProcessorEditor::openAtStoredHeight()
-{
-    const int stored = processor.uiHeight;
-    const auto height = juce::jlimit (minimumHeight, designHeight, stored != 0 ? stored : designHeight / 2);
-
-    dragConstrainer.setSizeLimits (1, minimumHeight, designWidth, designHeight); // the ratio is what limits the width
-    setSize (widthFor (height), height);
-    sizeIsDue = false;
-}
-
-void TarvellineAudioProcessorEditor::paint (juce::Graphics& g)
-{
-    if (designArea != getLocalBounds())
-        g.fillAll (juce::Colour (panelColour));
-
-    panel.draw (g, *this, designArea);
-}
-
-/** @param width  of what the window shows, in pixels of the screen */
-juce::Image TarvellineAudioProcessorEditor::panelFor (float width) const
-{
-    constexpr auto largestSmall = 0.75f; // of the design's size: below, lettering for small windows is easier to read
-    const auto scale = width * static_cast<float> (sizeMode) / static_cast<float> (designWidth);
-    const auto [data, size] =
-        scale <= largestSmall ? std::pair (BinaryData::backgroundSmall_png, BinaryData::backgroundSmall_pngSize)
-        : scale <= 1.0f       ? std::pair (BinaryData::background_png, BinaryData::background_pngSize)
-                              : std::pair (BinaryData::background2x_png, BinaryData::background2x_pngSize);
-    const auto whole = juce::ImageCache::getFromMemory (data, size);
-    return whole.getClippedImage ({ whole.getWidth() / sizeMode, whole.getHeight() });
-}
-
-/** The whole window where its proportions are right, to the pixel by which hosts round; else the largest place amid it that
-    has them. */
-juce::Rectangle<int> TarvellineAudioProcessorEditor::placeOfDesign() const
-{
-    const auto window = getLocalBounds();
-
-    if (std::abs (getWidth() - widthFor (getHeight())) <= 1)
-        return window;
-
-    const auto height = juce::jmin (getHeight(), juce::roundToInt (static_cast<float> (getWidth()) / aspectRatio));
-    return window.withSizeKeepingCentre (widthFor (height), height);
-}
-
-void TarvellineAudioProcessorEditor::resized()
-{
-    designArea = placeOfDesign();
-    const auto scaleX =
-        static_cast<float> (designArea.getWidth()) / static_cast<float> (designWidth) * static_cast<float> (sizeMode);
-    const auto scaleY = static_cast<float> (designArea.getHeight()) / static_cast<float> (designHeight);
-
-    for (auto& [control, bounds, id, title] : placementsOf (controls))
-        control.setBounds (juce::Rectangle<int> (juce::roundToInt (scaleX * bounds.getX()),
-                                                 juce::roundToInt (scaleY * bounds.getY()),
-                                                 juce::roundToInt (scaleX * bounds.getWidth()),
-                                                 juce::roundToInt (scaleY * bounds.getHeight()))
-                           + designArea.getPosition());
-
-    if (isVisible()) // not while the window is still being made
-        processor.uiHeight = getHeight();
-
-    controls.valueLabel.setVisible (false);
 }
 } // namespace tarvelline

@@ -12,8 +12,6 @@
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
-#include <memory>
-
 namespace tarvelline
 {
 /** The plug-in's window: a pitch section, and in full size a timbre section beside it, on one painted panel.
@@ -59,7 +57,14 @@ private:
     void attachParameters();
     void speakValues();
     void takeKeyboardByTabAlone();
+
+    // Size and places (EditorLayout.cpp)
     void openAtStoredHeight();
+    void applySizeMode();
+    void applyDueSize();
+    int widthFor (int height) const noexcept;
+    juce::Rectangle<int> placeOfDesign() const;
+    juce::Image panelFor (float width) const;
 
     // Behaviour (EditorBehaviour.cpp)
     void comboBoxChanged (juce::ComboBox*) override;
@@ -68,12 +73,7 @@ private:
     void applyPitchSnap (double steps);
     void applyTimbreSnap (double steps);
     void applyMidiMode();
-    void applySizeMode();
-    void applyDueSize();
     void showValueAbove (const juce::Slider&);
-    int widthFor (int height) const noexcept;
-    juce::Rectangle<int> placeOfDesign() const;
-    juce::Image panelFor (float width) const;
 
     int sizeMode = 1;              // 1 = full, 2 = half: the divisor of the visible design width
     bool sizeIsDue = false;        // the size mode's, while there is no window on the screen to have it
@@ -83,15 +83,18 @@ private:
     int valueLabelCountdown = 0; // timer ticks until the read-out is hidden
 
     DragConstrainer dragConstrainer;
+
+    // Destroyed from the last to the first: what is attached to a control before it, and a look after those that have it.
+    MainRotaryDraw mainRotaryLook;
+    RotaryTick tickLook;
+    RotaryDisplayTick displayTickLook;
+    TarvellineLookAndFeel mainLook;
+    MidiOptionsLookAndFeel midiOptionsLook;
     EditorControls controls;
     juce::OwnedArray<juce::AudioProcessorValueTreeState::SliderAttachment> sliderAttachments;
     juce::OwnedArray<juce::AudioProcessorValueTreeState::ComboBoxAttachment> comboBoxAttachments;
     juce::OwnedArray<juce::AudioProcessorValueTreeState::ButtonAttachment> buttonAttachments;
-    std::unique_ptr<MainRotaryDraw> mainRotaryLook = std::make_unique<MainRotaryDraw>();
-    std::unique_ptr<RotaryTick> tickLook = std::make_unique<RotaryTick>();
-    std::unique_ptr<RotaryDisplayTick> displayTickLook = std::make_unique<RotaryDisplayTick>();
-    std::unique_ptr<TarvellineLookAndFeel> mainLook = std::make_unique<TarvellineLookAndFeel>();
-    std::unique_ptr<MidiOptionsLookAndFeel> midiOptionsLook = std::make_unique<MidiOptionsLookAndFeel>();
+
     StretchedPicture panel;          // as much of it as the window shows
     juce::Rectangle<int> designArea; // where the panel lies in the window
     TarvellineAudioProcessor& processor;

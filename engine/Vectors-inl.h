@@ -29,11 +29,12 @@ struct SplitComplex
 template <class V>
 struct Complex
 {
+    // Written, because those of the compiler's own making lie outside Highway's target attributes: GCC refuses them on ARM.
+    HWY_INLINE Complex() {}
+    HWY_INLINE Complex (V real, V imaginary) : re (real), im (imaginary) {}
+
     V re, im;
 };
-
-template <class V>
-Complex (V, V) -> Complex<V>; // for compilers that do not find it by themselves
 
 template <class D, class V = hn::Vec<D>>
 HWY_INLINE Complex<V> load (D d, SplitComplex from, std::size_t at)

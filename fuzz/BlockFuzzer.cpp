@@ -54,7 +54,8 @@ private:
     // Any bits: a host may store what is no number.
     void moveParameter()
     {
-        auto& parameter = *processor.getParameters()[input.ConsumeIntegralInRange (0, 14)];
+        const auto& all = processor.getParameters();
+        auto& parameter = *all[input.ConsumeIntegralInRange (0, all.size() - 1)];
         const auto value = input.ConsumeBool() ? input.ConsumeProbability<float>()
                                                : std::bit_cast<float> (input.ConsumeIntegral<std::uint32_t>());
         parameter.setValueNotifyingHost (value);

@@ -14,8 +14,10 @@ inline constexpr int keyCount = 49;      // four octaves and the C above
 
 /** The notes being played: the eight voice slots that the engine bank sounds, and the keys that the editor lights.
 
-    Threads: everything runs on the audio thread, but `keyLit` and `keysChanged`, which the editor reads (and clears).
-    Real time: nothing allocates or locks. */
+    Threads: everything runs on the audio thread, but prepare(), which runs while no audio does, and `keyLit` and
+            `keysChanged`, which the editor reads (and clears).
+    Real time: nothing allocates or locks.
+    Bad input: any note number is taken; one beside the keyboard display sounds and lights no key. */
 class MidiVoices
 {
 public:
@@ -40,7 +42,7 @@ public:
 
     VoiceSlots slots;
     std::array<RelaxedAtomic<std::uint8_t>, keyCount> keyLit; // written here, read by the editor's keyboard
-    RelaxedAtomic<bool> keysChanged { false }; // set by every note, cleared by the editor once it repainted
+    RelaxedAtomic<bool> keysChanged { false }; // set when a key changes, cleared by the editor once it repainted
 
 private:
     void fillSlot (VoiceSlot&, int slotNumber, int key) noexcept;

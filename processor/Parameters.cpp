@@ -8,21 +8,21 @@
 namespace tarvelline
 {
 const std::array<ParameterRow, 15> parameterTable { {
-    { parameterId::mainRange, "Pitch Range", 5.0f, 3.0f },
-    { parameterId::timbRange, "Timbre Range", 5.0f, 3.0f },
-    { parameterId::mainWheelPar, "Pitch", 1.0f, 0.5f },
-    { parameterId::mainGravityPar, "Pitch Gravity", 1.0f, 0.5f },
-    { parameterId::mainInertiaPar, "Pitch Inertia", 1.0f, 0.5f },
-    { parameterId::mainSmoothPar, "Pitch Smooth", 1.0f, 0.0f },
-    { parameterId::mainSnap, "Pitch Snap", 1.0f, 1.0f },
-    { parameterId::timbWheelPar, "Timbre", 1.0f, 0.5f },
-    { parameterId::timbGravityPar, "Timbre Gravity", 1.0f, 0.5f },
-    { parameterId::timbInertiaPar, "Timbre Inertia", 1.0f, 0.5f },
-    { parameterId::timbSmoothPar, "Timbre Smooth", 1.0f, 0.0f },
-    { parameterId::timbSnap, "Timbre Snap", 1.0f, 1.0f },
-    { parameterId::mixerPar, "Mixer", 1.0f, 1.0f },
-    { parameterId::toggleSize, "Toggle Size", 1.0f, 0.0f },
-    { parameterId::midiOptions, "Toggle MIDI", 1.0f, 1.0f },
+    { parameterId::mainRange, "Pitch Range", 5.0f, 3.0f, "range of the pitch wheel" },
+    { parameterId::timbRange, "Timbre Range", 5.0f, 3.0f, "range of the timbre wheel" },
+    { parameterId::mainWheelPar, "Pitch", 1.0f, 0.5f, "pitch wheel, 0.5 is the centre" },
+    { parameterId::mainGravityPar, "Pitch Gravity", 1.0f, 0.5f, "pull of the moving pitch towards the wheel" },
+    { parameterId::mainInertiaPar, "Pitch Inertia", 1.0f, 0.5f, "acceleration of the moving pitch" },
+    { parameterId::mainSmoothPar, "Pitch Smooth", 1.0f, 0.0f, "slowness of the pitch wheel" },
+    { parameterId::mainSnap, "Pitch Snap", 1.0f, 1.0f, "wheel steps in the editor, no effect here" },
+    { parameterId::timbWheelPar, "Timbre", 1.0f, 0.5f, "timbre wheel, 0.5 is the centre" },
+    { parameterId::timbGravityPar, "Timbre Gravity", 1.0f, 0.5f, "pull of the moving timbre towards the wheel" },
+    { parameterId::timbInertiaPar, "Timbre Inertia", 1.0f, 0.5f, "acceleration of the moving timbre" },
+    { parameterId::timbSmoothPar, "Timbre Smooth", 1.0f, 0.0f, "slowness of the timbre wheel" },
+    { parameterId::timbSnap, "Timbre Snap", 1.0f, 1.0f, "wheel steps in the editor, no effect here" },
+    { parameterId::mixerPar, "Mixer", 1.0f, 1.0f, "share of the shifted sound, the rest is the input" },
+    { parameterId::toggleSize, "Toggle Size", 1.0f, 0.0f, "the timbre wheel is in use unless 0" },
+    { parameterId::midiOptions, "Toggle MIDI", 1.0f, 1.0f, "notes: 0 plays voices, anything else transposes" },
 } };
 
 namespace

@@ -14,6 +14,7 @@ struct ParameterRow
     const char* name;
     float rangeEnd;
     float defaultValue;
+    const char* meaning; // for who sets it by its ID
 };
 
 /** Parameter IDs, as the host, the saved state and the editor's attachments know them. */

@@ -32,8 +32,10 @@ TarvellineAudioProcessor::TarvellineAudioProcessor()
     createParameters (parameters);
     blockParameters = BlockParameters (parameters);
     parameters.state = juce::ValueTree ("Tarvelline_0");
-    parameters.addParameterListener (parameterId::mainRange, this);
-    parameters.addParameterListener (parameterId::timbRange, this);
+
+    // To the parameters themselves: the tree's lists of listeners, from JUCE 8 on, allocate in their first call.
+    parameters.getParameter (parameterId::mainRange)->addListener (this);
+    parameters.getParameter (parameterId::timbRange)->addListener (this);
 }
 
 TarvellineAudioProcessor::~TarvellineAudioProcessor() = default;
@@ -88,17 +90,26 @@ void TarvellineAudioProcessor::refreshWheel (WheelRecord& wheel, juce::StringRef
     placeWheel (wheel, currentValue (parameters, wheelId), spanForRange (currentValue (parameters, rangeId)));
 }
 
-void TarvellineAudioProcessor::parameterChanged (const juce::String& parameterID, float newValue)
+void TarvellineAudioProcessor::parameterValueChanged (int index, float)
 {
-    if (parameterID == parameterId::mainRange)
-        keepShiftForRange (mainWheel, parameterId::mainWheelPar, newValue);
-    else if (parameterID == parameterId::timbRange)
-        keepShiftForRange (timbWheel, parameterId::timbWheelPar, newValue);
+    using namespace parameterId;
+
+    if (index == parameterIndex (mainRange))
+        keepShiftForRange (mainWheel, lastMainRange, mainWheelPar, mainRange);
+    else if (index == parameterIndex (timbRange))
+        keepShiftForRange (timbWheel, lastTimbRange, timbWheelPar, timbRange);
 }
 
-void TarvellineAudioProcessor::keepShiftForRange (WheelRecord& wheel, juce::StringRef wheelId, float rangeSelector)
+void TarvellineAudioProcessor::keepShiftForRange (WheelRecord& wheel, RelaxedAtomic<float>& lastRange,
+                                                  juce::StringRef wheelId, juce::StringRef rangeId)
 {
-    const auto ratio = setRange (wheel, spanForRange (rangeSelector));
+    const auto range = currentValue (parameters, rangeId);
+
+    if (range == lastRange) // told of again, as a restored state does it: nothing stops the wheel
+        return;
+
+    lastRange = range;
+    const auto ratio = setRange (wheel, spanForRange (range));
     const auto position = ratio * (static_cast<double> (currentValue (parameters, wheelId)) - 0.5) + 0.5;
     auto* parameter = parameters.getParameter (wheelId);
 

@@ -12,16 +12,17 @@
 
 namespace tarvelline
 {
-/** The effect as a host sees it: fifteen parameters, one bus in and one out (both mono or both stereo), MIDI in.
+/** The effect as a host sees it: the parameters of parameterTable, one bus in and one out (both mono or both stereo), MIDI in.
 
     Signal flow, sample by sample: wheels and MIDI move the two shifts, the engine bank shifts the input, the result is
     mixed with the input delayed by the same latency.
 
-    Threads: prepareToPlay(), processBlock() and processBlockBypassed() belong to the audio thread; the editor and the host's
-            calls for state run on the message thread. What both touch stands in the public section as relaxed atomics.
+    Threads: processBlock() and processBlockBypassed() run on the audio thread, and not both at once; prepareToPlay() on any,
+            for it keeps blocks out while it builds; the editor on the message thread, and so in most hosts the calls for
+            state. What the editor and audio both touch stands in the public section, as atomics.
     Real time: the two block functions neither allocate, lock nor call the system.
     Latency: 2048 samples up to 48 kHz, 4096 up to 96 kHz, 8192 above. */
-class TarvellineAudioProcessor : public juce::AudioProcessor, public juce::AudioProcessorValueTreeState::Listener
+class TarvellineAudioProcessor : public juce::AudioProcessor, private juce::AudioProcessorParameter::Listener
 {
 public:
     TarvellineAudioProcessor();
@@ -29,8 +30,8 @@ public:
 
     const juce::String getName() const override { return "Tarvelline"; }
 
-    /** Builds the engines for the rate, at rest where the wheels' parameters stand. The block size is not used. Blocks that a
-        host plays meanwhile, under the callback lock as wrappers do, are silent. */
+    /** Builds the engines for the rate (one that is none counts as 44100 Hz), at rest where the wheels' parameters stand. The
+        block size is not used. Blocks that a host plays meanwhile, under the callback lock as wrappers do, are silent. */
     void prepareToPlay (double newSampleRate, int samplesPerBlock) override;
     void releaseResources() override {}
 
@@ -66,16 +67,10 @@ public:
 
     bool isBusesLayoutSupported (const BusesLayout&) const override;
 
-    /** Keeps the sounding shift where it is when a wheel's span changes. Any thread. */
-    void parameterChanged (const juce::String& parameterID, float newValue) override;
-
     /** A note-on (with any velocity above 0), a note-off or a pitch-bend on any channel; other messages are ignored.
         Audio thread.
         @param data  the message's bytes, @param size  how many */
     void handleMidiEvent (const juce::uint8* data, int size) noexcept;
-
-    /** A note without its velocity. Audio thread. */
-    void noteEvent (int noteNumber, bool isOn) noexcept;
 
     juce::AudioProcessorValueTreeState parameters;
 
@@ -85,20 +80,27 @@ public:
     RelaxedAtomic<bool> midiTransposeMode { true }; // notes transpose the main wheel; written by the editor
     RelaxedAtomic<float> outputGain { 1.0f };       // master fade-in; the editor restarts it with 0
     MidiVoices voices;                              // the editor reads keyLit and clears keysChanged
-    RelaxedAtomic<float> lastNoteOffset { 0.0f };   // semitones of the last note in transpose mode; written by both
     RelaxedAtomic<double> bendSteps { 0.0 };        // pitch-bend quantisation, 0 = none; written by the editor
 
 private:
+    /** Keeps the sounding shift where it is when a wheel's span changes. Any thread, under the parameter's own lock. */
+    void parameterValueChanged (int index, float) override;
+    void parameterGestureChanged (int, bool) override {}
+
     void refreshWheelSettings();
     void refreshWheel (WheelRecord&, juce::StringRef wheelId, juce::StringRef rangeId, juce::StringRef inertiaId,
                        juce::StringRef gravityId, juce::StringRef smoothId);
-    void keepShiftForRange (WheelRecord&, juce::StringRef wheelId, float rangeSelector);
+    void keepShiftForRange (WheelRecord&, RelaxedAtomic<float>& lastRange, juce::StringRef wheelId,
+                            juce::StringRef rangeId);
     void setTimbreInUse (bool shouldBeInUse) noexcept;
+    void noteEvent (int noteNumber, bool isOn) noexcept;
     void bendWheel (int value14Bit) noexcept;
     struct Run;
     void shiftRun (Run&) noexcept;
+    void fadeRun (Run&) noexcept;
     void mixRun (Run&, float mix) noexcept;
 
+    RelaxedAtomic<float> lastMainRange { -1.0f }, lastTimbRange { -1.0f }; // selectors as last told of; negative before
     BlockParameters blockParameters;
     EngineBank engine;
     bool toggleSizeOn = false;   // the timbre wheel is in use, as of the last block

@@ -9,9 +9,9 @@ namespace tarvelline
 {
 /** The motion of one wheel: how its sounding shift follows the wheel's position, like a wheel with mass.
 
-    Once a sample the wheel's value is smoothed into a target; a follower chases the target at a limited speed (the smooth
-    setting); a moving point chases the follower with a constant acceleration (inertia) and a proportional pull (gravity).
-    The velocity itself is never damped: only the pull brings the point to rest.
+    Once a sample the wheel's value is smoothed into a target (a one-pole low-pass); a follower chases the target at a limited
+    speed, the smooth setting (a slew-rate limiter); a moving point chases the follower with a constant acceleration (inertia)
+    and a proportional pull (gravity). The velocity itself is never damped: only the pull brings the point to rest.
 
     Units: positions are wheel units, 0..1 with 0.5 the centre; speeds are wheel units a sample; a shift in semitones is
             (point - 0.5) * span. Per-sample constants are written for 44.1 kHz and scaled by timeScale.

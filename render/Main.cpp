@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "render/Main.h"
+
 #include "render/options/Errors.h"
 #include "render/options/Files.h"
 #include "render/options/Options.h"
@@ -7,12 +9,12 @@
 #include "render/running/RenderBatch.h"
 #include "render/running/RenderFile.h"
 #include "render/running/Terminal.h"
-#include "render/sound/Pipes.h"
+#include "render/sound/SystemFiles.h"
 
 #include <cstdio>
 
-using namespace tarvelline::render;
-
+namespace tarvelline::render
+{
 namespace
 {
 void listPresets (const Options& options)
@@ -75,13 +77,9 @@ int run (const Options& options)
 }
 } // namespace
 
-int main (int count, char** values)
+int runProgram (const juce::StringArray& arguments)
 {
-    occupyClosedStreams();
-    juce::StringArray arguments;
-
-    for (int i = 1; i < count; ++i)
-        arguments.add (juce::String::fromUTF8 (values[i]));
+    prepareStreams();
 
     // Whoever runs a worker names the program and the file.
     const bool isWorker = arguments.contains ("--worker");
@@ -105,3 +103,4 @@ int main (int count, char** values)
         return exitFailed;
     }
 }
+} // namespace tarvelline::render

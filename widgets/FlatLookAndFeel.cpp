@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/FlatLookAndFeel.h"
 
+#include "widgets/Fonts.h"
+
 namespace tarvelline
 {
 namespace
@@ -41,7 +43,7 @@ void FlatLookAndFeel::drawButtonText (juce::Graphics& g, juce::TextButton& butto
 
 juce::Font FlatLookAndFeel::getTextButtonFont (juce::TextButton&, int buttonHeight)
 {
-    return juce::Font (juce::jmax (minimumButtonText, static_cast<float> (buttonHeight) * textShare));
+    return fontOfHeight (juce::jmax (minimumButtonText, static_cast<float> (buttonHeight) * textShare));
 }
 
 void FlatLookAndFeel::drawPopupMenuItem (juce::Graphics& g, const juce::Rectangle<int>& area, bool, bool isActive,
@@ -78,7 +80,7 @@ void FlatLookAndFeel::drawPopupMenuItem (juce::Graphics& g, const juce::Rectangl
 
 juce::Font FlatLookAndFeel::getComboBoxFont (juce::ComboBox& box)
 {
-    return juce::Font (juce::jmax (minimumBoxText, static_cast<float> (box.getHeight()) * boxTextShare));
+    return fontOfHeight (juce::jmax (minimumBoxText, static_cast<float> (box.getHeight()) * boxTextShare));
 }
 
 void FlatLookAndFeel::positionComboBoxText (juce::ComboBox& box, juce::Label& label)

@@ -2,6 +2,7 @@
 #include "widgets/FollowDial.h"
 
 #include "BinaryData.h"
+#include "widgets/Fonts.h"
 #include "widgets/RotaryGeometry.h"
 #include "widgets/SpokenValue.h"
 
@@ -30,31 +31,14 @@ juce::Rectangle<int> markIn (const juce::Image& picture)
 // Of the dial's height
 constexpr float numberHeight = 1.0f / 6.0f;
 constexpr float infoHeight = 0.0625f;
-
-juce::String formatName (juce::AudioProcessor::WrapperType type)
-{
-    switch (type)
-    {
-        case juce::AudioProcessor::wrapperType_VST: return "VST";
-        case juce::AudioProcessor::wrapperType_VST3: return "VST3";
-        case juce::AudioProcessor::wrapperType_AudioUnit: return "AU";
-        case juce::AudioProcessor::wrapperType_AAX: return "AAX";
-        case juce::AudioProcessor::wrapperType_AudioUnitv3:
-        case juce::AudioProcessor::wrapperType_Standalone:
-        case juce::AudioProcessor::wrapperType_Unity:
-        case juce::AudioProcessor::wrapperType_LV2:
-        case juce::AudioProcessor::wrapperType_Undefined: break;
-    }
-
-    return {};
-}
 } // namespace
 
 FollowDial::FollowDial()
     : ring (BinaryData::followWheel_png, BinaryData::followWheel_pngSize, BinaryData::followWheel2x_png,
             BinaryData::followWheel2x_pngSize),
       face ([this] (float width) { return faceFor (width); }),
-      dialFont (juce::Typeface::createSystemTypefaceFor (BinaryData::scifi2k2_ttf, BinaryData::scifi2k2_ttfSize)),
+      dialFont (
+          fontOf (juce::Typeface::createSystemTypefaceFor (BinaryData::scifi2k2_ttf, BinaryData::scifi2k2_ttfSize))),
       flashCounter (flashLength + flashDelay)
 {
     setInterceptsMouseClicks (false, false);
@@ -63,10 +47,10 @@ FollowDial::FollowDial()
 
 FollowDial::~FollowDial() { stopTimer(); }
 
-void FollowDial::setUp (TarvellineAudioProcessor& processor, int wheelIndex)
+void FollowDial::follow (const WheelRecord& record, const juce::String& info)
 {
-    wheel = wheelIndex == 0 ? &processor.mainWheel : &processor.timbWheel;
-    infoText = formatName (processor.wrapperType) + " 64 bit  v." JucePlugin_VersionString;
+    wheel = &record;
+    infoText = info;
 }
 
 std::unique_ptr<juce::AccessibilityHandler> FollowDial::createAccessibilityHandler()
@@ -195,7 +179,7 @@ juce::Rectangle<int> FollowDial::numberArea() const
 {
     const auto font = dialFont.withHeight (static_cast<float> (getHeight()) * numberHeight);
     return numberBox()
-        .withSizeKeepingCentre (font.getStringWidthFloat ("-100.00"), font.getHeight())
+        .withSizeKeepingCentre (widthOf (font, "-100.00"), font.getHeight())
         .getSmallestIntegerContainer()
         .expanded (1);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "processor/TarvellineAudioProcessor.h"
+#include "processor/WheelModel.h"
 #include "widgets/ScalablePicture.h"
 #include "widgets/StretchedPicture.h"
 
@@ -14,7 +14,7 @@ namespace tarvelline
     All that shows of the turning is the ring's index mark: the rest of the picture is the same at every angle. So only the
     mark is drawn turned, and while the wheel moves only the mark and the number are painted anew.
 
-    Some seconds after it was made it shows, once, a line with the plug-in's format and version. It takes no mouse clicks.
+    Some seconds after it was made it shows, once, a line about the plug-in. It takes no mouse clicks.
     Message thread only; the wheel's state is polled every 20 ms. */
 class FollowDial : public juce::Component, private juce::Timer
 {
@@ -22,8 +22,9 @@ public:
     FollowDial();
     ~FollowDial() override;
 
-    /** @param wheelIndex  the wheel to follow: 0 pitch, 1 timbre; the processor must outlive the dial */
-    void setUp (TarvellineAudioProcessor&, int wheelIndex);
+    /** @param record  the wheel to follow; it must outlive the dial
+        @param info    the line to show once */
+    void follow (const WheelRecord& record, const juce::String& info);
 
     /** The wheel slider's sweep, so that ring and puck turn alike. */
     void setRotaryParameters (juce::Slider::RotaryParameters newSweep) { sweep = newSweep; }

@@ -3,19 +3,17 @@
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
+#include <memory>
+
 namespace tarvelline
 {
-/** A combo box without a body: only its text shows, on the panel. A click leaves the keyboard where it is. */
+/** A combo box without a body: only its text shows, on the panel. A click leaves the keyboard where it is, and a screen reader
+    calls it by its title; the framework's own goes by what is chosen in it alone. Message thread only. */
 class MyComboBox : public juce::ComboBox
 {
 public:
     void paint (juce::Graphics&) override {}
-
-    /** The text is a component, made anew with every look, that would take the keyboard by itself. */
-    void childrenChanged() override
-    {
-        for (auto* child : getChildren())
-            child->setMouseClickGrabsKeyboardFocus (false);
-    }
+    void childrenChanged() override;
+    std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
 };
 } // namespace tarvelline

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "widgets/MyComboBox.h"
-
 #include <juce_gui_basics/juce_gui_basics.h>
 
 #include <functional>
@@ -10,23 +8,12 @@
 
 namespace tarvelline
 {
-/** What a screen reader says of a component that shows something and takes nothing.
-    @param value  called on the message thread, while the component lives */
-std::unique_ptr<juce::AccessibilityHandler> speakingHandler (juce::Component&, std::function<juce::String()> value);
-
-/** A toggle button whose two states have names: a screen reader says the name that shows, not "on" or "off". */
-class ModeButton : public juce::TextButton
-{
-public:
-    using juce::TextButton::TextButton;
-
-    std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
-};
-
-/** A box that a screen reader calls by its title; the framework's own goes by what is chosen in it alone. */
-class TitledBox : public MyComboBox
-{
-public:
-    std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
-};
+/** What a screen reader says of a component, and does with it: its title, a value, and what else is told here; unless told,
+    a component that shows something and takes nothing. Message thread only.
+    @param value    called while the component lives
+    @param stateOf  adds the component's own state to what the framework knows of it; the same */
+std::unique_ptr<juce::AccessibilityHandler>
+speakingHandler (juce::Component&, std::function<juce::String()> value,
+                 juce::AccessibilityRole = juce::AccessibilityRole::staticText, juce::AccessibilityActions = {},
+                 std::function<juce::AccessibleState (juce::AccessibleState)> stateOf = nullptr);
 } // namespace tarvelline

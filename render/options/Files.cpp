@@ -2,10 +2,10 @@
 #include "render/options/Files.h"
 
 #include "render/options/Errors.h"
+#include "render/options/Paths.h"
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <map>
 #include <set>
 
@@ -13,8 +13,6 @@ namespace tarvelline::render
 {
 namespace
 {
-std::filesystem::path pathOf (const juce::File& file) { return file.getFullPathName().toStdString(); }
-
 // Also through links, and for two names of one file.
 bool isSame (const juce::File& a, const juce::File& b)
 {
@@ -22,17 +20,22 @@ bool isSame (const juce::File& a, const juce::File& b)
     return a != juce::File() && (a == b || std::filesystem::equivalent (pathOf (a), pathOf (b), ignored));
 }
 
-void checkTarget (const juce::String& name, juce::File& target, const Options& options)
+// As it is when it cannot be followed.
+juce::File withoutLinks (const juce::File& file)
 {
     std::error_code failure;
-    const auto resolved = std::filesystem::weakly_canonical (pathOf (target), failure);
+    const auto resolved = std::filesystem::weakly_canonical (pathOf (file), failure);
+    return failure ? file : juce::File (textOf (resolved));
+}
 
-    if (! failure)
-        target = juce::File (juce::String::fromUTF8 (resolved.c_str()));
-
+void checkTarget (const juce::String& name, juce::File& target, const Options& options)
+{
+    target = withoutLinks (target);
     const auto path = target.getFullPathName();
+    std::error_code failure;
+    const auto status = std::filesystem::status (pathOf (target), failure);
 
-    if (std::filesystem::exists (resolved, failure) && ! std::filesystem::is_regular_file (resolved, failure))
+    if (std::filesystem::exists (status) && ! std::filesystem::is_regular_file (status))
         throw UserError (name + ": " + path + " is not a file; name one that may be written");
 
     if (! target.getParentDirectory().isDirectory())
@@ -67,7 +70,7 @@ juce::String pathBelow (const juce::File& input)
 {
     const auto here = juce::File::getCurrentWorkingDirectory();
     const auto path = input.withFileExtension ({});
-    return input.isAChildOf (here) ? path.getRelativePathFrom (here) : pathOf (path).relative_path().string();
+    return input.isAChildOf (here) ? path.getRelativePathFrom (here) : textOf (pathOf (path).relative_path());
 }
 
 // A batch must not replace what it has yet to read: compared by paths without links, and file by file where one has
@@ -76,17 +79,17 @@ void checkNoneIsRead (const std::vector<Task>& tasks)
 {
     constexpr auto noLinks = static_cast<std::uintmax_t> (-1); // of a file that is not there yet
     std::error_code ignored;
-    std::set<std::filesystem::path> sources;
+    std::set<juce::File> sources; // which knows whether case matters here
 
     for (const auto& task : tasks)
-        sources.insert (std::filesystem::weakly_canonical (pathOf (task.input), ignored));
+        sources.insert (withoutLinks (task.input));
 
     for (const auto& task : tasks)
     {
         const auto target = pathOf (task.output);
         const auto links = std::filesystem::hard_link_count (target, ignored);
 
-        if (sources.count (std::filesystem::weakly_canonical (target, ignored)) != 0
+        if (sources.count (withoutLinks (task.output)) != 0
             || (links > 1 && links != noLinks
                 && std::any_of (tasks.begin(), tasks.end(),
                                 [&] (const auto& t) { return isSame (t.input, task.output); })))
@@ -103,7 +106,7 @@ std::vector<Task> tasksInto (const juce::File& folder, const juce::StringArray& 
                              bool keepFolders)
 {
     std::vector<Task> tasks;
-    std::map<juce::String, juce::String> sources;
+    std::map<juce::File, juce::String> sources;
 
     for (const auto& recording : recordings)
     {
@@ -114,7 +117,7 @@ std::vector<Task> tasksInto (const juce::File& folder, const juce::StringArray& 
         const auto name =
             (keepFolders ? pathBelow (input) : shellFriendly (input.getFileNameWithoutExtension())) + "." + ending;
 
-        if (const auto [before, isNew] = sources.emplace (name, recording); ! isNew)
+        if (const auto [before, isNew] = sources.emplace (folder.getChildFile (name), recording); ! isNew)
             throw UserError (before->second + " and " + recording + " would both become " + name + "; "
                              + (keepFolders ? "render them into two folders"
                                             : "give --keep-folders, or render them into two folders"));

@@ -50,27 +50,6 @@ several files some failed, which a table at the end names; with 2 after an error
 when interrupted.
 )";
 
-// In the order of parameterTable.
-constexpr const char* meanings[] = {
-    "range of the pitch wheel",
-    "range of the timbre wheel",
-    "pitch wheel, 0.5 is the centre",
-    "pull of the moving pitch towards the wheel",
-    "acceleration of the moving pitch",
-    "slowness of the pitch wheel",
-    "wheel steps in the editor, no effect here",
-    "timbre wheel, 0.5 is the centre",
-    "pull of the moving timbre towards the wheel",
-    "acceleration of the moving timbre",
-    "slowness of the timbre wheel",
-    "wheel steps in the editor, no effect here",
-    "share of the shifted sound, the rest is the input",
-    "the timbre wheel is in use unless 0",
-    "notes: 0 plays voices, anything else transposes",
-};
-
-static_assert (std::size (meanings) == parameterTable.size());
-
 juce::String describe (const OptionRow& row)
 {
     constexpr int width = 18; // letters of the first column
@@ -109,12 +88,9 @@ juce::String helpText()
 
     text << examples;
 
-    for (std::size_t i = 0; i < parameterTable.size(); ++i)
-    {
-        const auto& row = parameterTable[i];
+    for (const auto& row : parameterTable)
         text << "  " << juce::String (row.id).paddedRight (' ', 16) << juce::String (row.name).paddedRight (' ', 16)
-             << juce::String (row.defaultValue / row.rangeEnd, 1) << "  " << meanings[i] << "\n";
-    }
+             << juce::String (row.defaultValue / row.rangeEnd, 1) << "  " << row.meaning << "\n";
 
     return text + notes;
 }

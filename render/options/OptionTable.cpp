@@ -147,7 +147,7 @@ const std::vector<OptionRow>& optionTable()
 
         { other, everyRun, "module", 0, "PATH",
           "the plug-in to load, Tarvelline.vst3; else the one built or installed with this program, then\n"
-          "those in ~/.vst3, /usr/local/lib/vst3 and /usr/lib/vst3",
+          "that of this user and that of this machine, where hosts look",
           nameFile<&Options::module> },
         { other, everyRun, "block", 0, "N",
           "samples the plug-in gets at once, 512 unless given; events split blocks and come at their sample",

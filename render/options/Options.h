@@ -42,7 +42,7 @@ struct Options
     juce::String preset, format; // a FileKind's name; empty for what OUT's ending says, in outputFolder for wav
     ChannelRule channels = ChannelRule::byMap;
     int blockSize = 512;      // samples, the most that the module gets at once
-    int bits = 0;             // of a sample: 16 or 24 = integer, 32 = float, 0 = the most that the format has
+    int bits = 0;             // of a sample: 16 or 24 = integer, 32 = float, 0 = what is usual in the format
     bool alignSound = false;  // events come so early or late that they sound at their time in OUT
     bool keepFolders = false; // of IN, below outputFolder
     bool noClobber = false;   // what is there already stays

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "render/plot/Axes.h"
 
+#include "widgets/Fonts.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -15,8 +17,6 @@ constexpr float sideNameDistance = 92.0f; // from the edge to the middle of an u
 constexpr float bottomNameDistance = 58.0f;
 
 constexpr double minute = 60.0, hour = 3600.0; // seconds
-
-float widthOf (juce::Graphics& g, const juce::String& text) { return g.getCurrentFont().getStringWidthFloat (text); }
 
 juce::String twoDigits (int value) { return juce::String (value).paddedLeft ('0', 2); }
 
@@ -42,8 +42,8 @@ void drawUprightAxis (juce::Graphics& g, juce::Rectangle<float> area, const std:
     {
         const auto y = area.getBottom() - static_cast<float> (tick.place) * area.getHeight();
         const auto labelEdge = edge + outwards * (markLength + labelGap);
-        nameDistance =
-            std::max (nameDistance, markLength + 2.0f * labelGap + widthOf (g, tick.label) + labelHeight / 2.0f);
+        nameDistance = std::max (nameDistance, markLength + 2.0f * labelGap + widthOf (g.getCurrentFont(), tick.label)
+                                                   + labelHeight / 2.0f);
         g.drawLine (edge, y, edge + outwards * markLength, y, 2.0f);
         g.drawText (tick.label,
                     juce::Rectangle<float> (onLeft ? labelEdge - labelWidth : labelEdge, y - labelHeight / 2.0f,
@@ -113,7 +113,7 @@ void drawBottomAxis (juce::Graphics& g, juce::Rectangle<float> area, const std::
     for (const auto& tick : ticks)
     {
         const auto x = area.getX() + static_cast<float> (tick.place) * area.getWidth();
-        const auto halfWidth = widthOf (g, tick.label) / 2.0f;
+        const auto halfWidth = widthOf (g.getCurrentFont(), tick.label) / 2.0f;
         g.drawLine (x, area.getBottom(), x, area.getBottom() + markLength, 2.0f);
 
         if (x - halfWidth < taken + labelGap)

@@ -1,20 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "render/plot/Caption.h"
 
+#include "widgets/Fonts.h"
+
 namespace tarvelline::render
 {
 namespace
 {
-juce::Path outlineOf (juce::Typeface& typeface, juce::juce_wchar character)
-{
-    juce::Array<int> glyphs;
-    juce::Array<float> offsets;
-    juce::Path outline;
-    typeface.getGlyphPositions (juce::String::charToString (character), glyphs, offsets);
-    typeface.getOutlineForGlyph (glyphs.getFirst(), outline);
-    return outline;
-}
-
 /** The characters of a text that a font has no sign for. */
 juce::String unknownTo (const juce::Font& font, const juce::String& text)
 {
@@ -23,10 +15,10 @@ juce::String unknownTo (const juce::Font& font, const juce::String& text)
 
     if (const auto typeface = font.getTypefacePtr())
     {
-        const auto missing = outlineOf (*typeface, noCharacter);
+        const auto missing = outlineOf (*typeface, glyphOf (*typeface, noCharacter));
 
         for (auto c = text.getCharPointer(); ! c.isEmpty(); ++c)
-            if (! c.isWhitespace() && outlineOf (*typeface, *c) == missing)
+            if (! c.isWhitespace() && outlineOf (*typeface, glyphOf (*typeface, *c)) == missing)
                 unknown += *c;
     }
 
@@ -41,7 +33,7 @@ juce::Font fontFor (const juce::String& text, const juce::Font& usual)
     if (fewest > 0)
         for (const auto& name : juce::Font::findAllTypefaceNames())
         {
-            const juce::Font font (name, usual.getHeight(), juce::Font::plain);
+            const auto font = fontOfFamily (name, usual.getHeight());
 
             if (const auto unknown = unknownTo (font, text).length(); unknown < fewest)
             {
@@ -62,7 +54,7 @@ void drawCaption (juce::Graphics& g, juce::Rectangle<float> area, const juce::St
     const auto known = name.replaceCharacters (unknown, juce::String::repeatedString ("?", unknown.length()));
     auto shown = before + known + after;
 
-    for (auto left = known.length() - 1; left > 1 && font.getStringWidthFloat (shown) > area.getWidth(); --left)
+    for (auto left = known.length() - 1; left > 1 && widthOf (font, shown) > area.getWidth(); --left)
         shown = before + known.substring (0, (left + 1) / 2) + juce::String::charToString (0x2026)
                 + known.getLastCharacters (left / 2) + after;
 

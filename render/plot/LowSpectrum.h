@@ -9,9 +9,10 @@ namespace tarvelline::render
 {
 /** Power spectra of more samples than the engine's transform takes, up to the highest bin that is wanted.
 
-    Method: N values are D transforms of every D-th of them, put together with the turns exp (-2 pi i k d / N), as the last
-            pass of a transform of length N would, but for the lowest bins alone: most of a spectrum at a high rate is
-            above what is shown. So the engine's fast transform serves, within its range, and no library is needed. */
+    Method: decimation in time. N values are D transforms of every D-th of them, put together with the turns (twiddle factors)
+            exp (-2 pi i k d / N), as the last pass of a transform of length N would, but for the lowest bins alone: most of
+            a spectrum at a high rate is above what is shown. So the engine's fast transform serves, within its range, and no
+            library is needed. */
 class LowSpectrum
 {
 public:

@@ -2,6 +2,7 @@
 #include "render/running/FindModule.h"
 
 #include "render/options/Errors.h"
+#include "render/running/Places.h"
 
 namespace tarvelline::render
 {
@@ -11,14 +12,13 @@ constexpr auto moduleName = "Tarvelline.vst3";
 
 juce::Array<juce::File> usualPlaces()
 {
-    using Place = juce::File::SpecialLocationType;
-    const auto home = juce::File::getSpecialLocation (Place::userHomeDirectory);
-    const auto program = juce::File::getSpecialLocation (Place::hostApplicationPath).getParentDirectory();
-    return { program.getChildFile (TARVELLINE_MODULE_FROM_HERE),
-             program.getChildFile ("../lib/vst3").getChildFile (moduleName),
-             home.getChildFile (".vst3").getChildFile (moduleName),
-             juce::File ("/usr/local/lib/vst3").getChildFile (moduleName),
-             juce::File ("/usr/lib/vst3").getChildFile (moduleName) };
+    const auto program = juce::File::getSpecialLocation (juce::File::hostApplicationPath);
+    juce::Array<juce::File> places { program.getSiblingFile (TARVELLINE_MODULE_FROM_HERE) };
+
+    for (const auto& folder : moduleFolders())
+        places.add (folder.getChildFile (moduleName));
+
+    return places;
 }
 } // namespace
 

@@ -3,13 +3,14 @@
 
 #include "processor/Parameters.h"
 #include "render/options/Errors.h"
+#include "render/running/Places.h"
 
 namespace tarvelline::render
 {
 HostedModule::HostedModule (const juce::File& file)
 {
     juce::OwnedArray<juce::PluginDescription> found;
-    format.findAllTypesForFile (found, file.getFullPathName());
+    format.findAllTypesForFile (found, fileToOpen (file).getFullPathName());
 
     if (found.isEmpty() || found[0]->name != "Tarvelline")
         throw UserError ("--module: " + file.getFullPathName() + " is not the Tarvelline plug-in"

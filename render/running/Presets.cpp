@@ -2,6 +2,7 @@
 #include "render/running/Presets.h"
 
 #include "render/options/Errors.h"
+#include "render/running/Places.h"
 
 #include <algorithm>
 
@@ -9,18 +10,7 @@ namespace tarvelline::render
 {
 namespace
 {
-constexpr auto ownFolder = "presets/Vorntaal/Tarvelline"; // as VST3 lays presets out: maker, plug-in
-
-std::vector<juce::File> presetFolders (const juce::File& module)
-{
-    using Place = juce::File::SpecialLocationType;
-    const auto home = juce::File::getSpecialLocation (Place::userHomeDirectory);
-    const auto program = juce::File::getSpecialLocation (Place::hostApplicationPath).getParentDirectory();
-    return { home.getChildFile (".vst3").getChildFile (ownFolder), module.getParentDirectory().getChildFile (ownFolder),
-             program.getChildFile ("../share/vst3").getChildFile (ownFolder),
-             juce::File ("/usr/local/share/vst3").getChildFile (ownFolder),
-             juce::File ("/usr/share/vst3").getChildFile (ownFolder) };
-}
+constexpr auto ownFolder = "Vorntaal/Tarvelline"; // as VST3 lays presets out: maker, plug-in
 
 bool haveOneName (const juce::File& a, const juce::File& b)
 {
@@ -33,7 +23,8 @@ std::vector<juce::File> findPresets (const juce::File& module)
     std::vector<juce::File> presets;
 
     for (const auto& folder : presetFolders (module))
-        for (const auto& file : folder.findChildFiles (juce::File::findFiles, false, "*.vstpreset"))
+        for (const auto& file :
+             folder.getChildFile (ownFolder).findChildFiles (juce::File::findFiles, false, "*.vstpreset"))
             if (std::none_of (presets.begin(), presets.end(), [&] (const auto& p) { return haveOneName (p, file); }))
                 presets.push_back (file);
 

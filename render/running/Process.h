@@ -3,12 +3,13 @@
 
 #include <juce_core/juce_core.h>
 
-#include <mutex>
+#include <memory>
 #include <string>
 
 namespace tarvelline::render
 {
-/** What became of a process: its exit code, or 128 + the signal that ended it; and all that it printed. */
+/** What became of a process: its exit code, or 128 + the signal that ended it, on Windows the exception (negative); and all
+    that it printed. */
 struct Outcome
 {
     static constexpr int neverBegun = -1;
@@ -23,15 +24,16 @@ class Process
 public:
     /** Starts it. Throws UserError when the system does not. */
     explicit Process (const juce::StringArray& arguments);
+    ~Process();
 
-    /** Takes what it prints until it has ended. */
+    /** Takes what it prints until it has ended. Once. */
     Outcome wait();
 
     /** Asks it to clear up and end, as SIGTERM does. Any thread, also while another one waits. */
     void stop();
 
 private:
-    std::mutex guard; // of `process`, which is -1 once its number may be another's
-    int process = -1, output = -1;
+    struct Handles; // of the system
+    const std::unique_ptr<Handles> handles;
 };
 } // namespace tarvelline::render

@@ -21,8 +21,12 @@ juce::String describe (int exitCode)
         case exitFailed: return "failed";
         case Outcome::neverBegun:
         case exitStopped: return "stopped";
-        default: return exitCode > 128 ? "crashed (signal " + juce::String (exitCode - 128) + ")" : "failed";
+        default: break;
     }
+
+    return exitCode > 128 ? "crashed (signal " + juce::String (exitCode - 128) + ")"
+           : exitCode < 0 ? "crashed (0x" + juce::String::toHexString (exitCode) + ")"
+                          : juce::String ("failed");
 }
 
 // With --keep-folders several may have one name.

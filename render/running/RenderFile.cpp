@@ -6,52 +6,22 @@
 #include "render/options/Files.h"
 #include "render/plot/Figure.h"
 #include "render/running/FindModule.h"
-#include "render/running/Presets.h"
+#include "render/running/Performance.h"
 #include "render/running/Renderer.h"
-#include "render/running/StateFile.h"
 #include "render/running/Terminal.h"
 #include "render/sound/Pipes.h"
 
 #include <juce_events/juce_events.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <memory>
+#include <optional>
 
 namespace tarvelline::render
 {
 namespace
 {
-// A state first, then what was set one by one: a value for each parameter that has one, in the table's order, in which a
-// host hands them on.
-std::vector<Setting> startingSettings (const Options& options)
-{
-    std::vector<Setting> given;
-
-    if (options.state != juce::File())
-        given = readState (options.state);
-    else if (options.preset.isNotEmpty())
-        given = readState (presetNamed (options.preset, findModule (options.module)));
-
-    given.insert (given.end(), options.settings.begin(), options.settings.end());
-    std::vector<Setting> settings;
-
-    for (int i = 0; i < static_cast<int> (parameterTable.size()); ++i)
-        if (const auto last = std::find_if (given.rbegin(), given.rend(),
-                                            [i] (const Setting& setting) { return setting.parameter == i; });
-            last != given.rend())
-            settings.push_back (*last);
-
-    return settings;
-}
-
-bool playsVoices (const std::vector<Setting>& settings)
-{
-    const auto notes = parameterIndex (parameterId::midiOptions);
-    return std::any_of (settings.begin(), settings.end(),
-                        [=] (const auto& setting) { return setting.parameter == notes && setting.value == 0.0f; });
-}
-
 void tellSettings (const Options& options, const std::vector<Setting>& settings)
 {
     juce::StringArray words;
@@ -75,14 +45,20 @@ void writeWhole (NewFile& file, const std::function<bool (juce::OutputStream&)>&
         throw UserError ("cannot write " + file.getTemporaryFile().getFullPathName());
 }
 
-void readPipe (NewFile& file)
+/** What comes through the standard input, if that is what a task reads. */
+std::unique_ptr<NewFile> readPipe (const Task& task)
 {
-    writeWhole (file,
+    if (task.input != juce::File())
+        return nullptr;
+
+    auto file = std::make_unique<NewFile> ("IN", fileForPipe());
+    writeWhole (*file,
                 [] (juce::OutputStream& stream)
                 {
                     copyFromInput (stream);
                     return true;
                 });
+    return file;
 }
 
 void writeState (NewFile& file, const ModuleBank& module)
@@ -91,31 +67,15 @@ void writeState (NewFile& file, const ModuleBank& module)
     writeWhole (file, [&] (juce::OutputStream& stream) { return stream.write (state.getData(), state.getSize()); });
 }
 
-// What messages and pictures call a file, or what stands for it.
+// What messages call a file, or what stands for it; and what pictures do.
 juce::String pathOr (const char* pipe, const juce::File& file)
 {
     return file == juce::File() ? juce::String (pipe) : file.getFullPathName();
 }
 
-void printSummary (const Task& task, int bits, const RecordingOutput& out, double rate, int latency,
-                   const RenderResult& result)
+juce::String nameOr (const char* pipe, const juce::File& file)
 {
-    auto* const messages = task.output == juce::File() ? stderr : stdout;
-    const auto seconds = static_cast<double> (out.getLength()) / rate;
-    const auto peak = juce::Decibels::gainToDecibels (result.peak, -144.0f);
-
-    std::fprintf (
-        messages,
-        "%s: %.2f s, peak %.1f dBFS, latency %d samples (%.1f ms) taken out, %.1f times faster than real time\n",
-        pathOr ("standard output", task.output).toRawUTF8(), seconds, static_cast<double> (peak), latency,
-        1000.0 * latency / rate, seconds / result.seconds);
-
-    if (bits < 32 && result.peak > 1.0f)
-        std::fprintf (stderr, "note: %.1f dB too loud for %d bits, and clipped; 32 bits keep it\n",
-                      static_cast<double> (peak), bits);
-
-    if (result.unplayedEvents > 0)
-        std::fprintf (stderr, "note: %d events come after the end and are not played\n", result.unplayedEvents);
+    return file == juce::File() ? juce::String (pipe) : file.getFileName();
 }
 
 Source sourceOf (juce::AudioFormatReader& reader)
@@ -125,51 +85,110 @@ Source sourceOf (juce::AudioFormatReader& reader)
              { reader.read (&buffer, at, count, position, true, true); } };
 }
 
-void drawPlot (const Task& task, NewFile& plot, const ShiftTrace& trace, Recording& before, const juce::File& rendered,
-               int latency)
+/** One recording on its way through its plug-ins, with all that is written on it. Destroyed before commit(), it leaves every
+    file as it was. Its functions come in the order in which they are called, and throw UserError. */
+class Rendering
 {
-    Recording after (rendered, rendered.getFullPathName());
-    const auto image =
-        drawFigure (sourceOf (before), sourceOf (after),
-                    pathOr ("standard input", task.input).fromLastOccurrenceOf ("/", false, false),
-                    pathOr ("standard output", task.output).fromLastOccurrenceOf ("/", false, false), trace, latency);
-    writeWhole (plot,
-                [&] (juce::OutputStream& stream) { return juce::PNGImageFormat().writeImageToStream (image, stream); });
-}
-/** What is played, beside the recording. */
-struct Performance
-{
-    explicit Performance (const Options& options) : settings (startingSettings (options))
+public:
+    /** Opens what is read, and loads and prepares the plug-ins. */
+    Rendering (const Options& asked, const Task& which)
+        : options (asked), task (which), kind (fileKind (task.output, options.format)),
+          bits (sampleBits (kind, options.bits)), piped (readPipe (task)),
+          in (piped ? piped->getTemporaryFile() : task.input, pathOr ("the standard input", task.input)),
+          performance (options), modules (findModule (options.module), static_cast<int> (in.numChannels),
+                                          in.getChannelMap(), options.channels),
+          out (task.output, kind, bits, in)
     {
-        if (options.automation != juce::File())
-            changes = readAutomation (options.automation);
+        modules.prepare (in.sampleRate, options.blockSize, performance.settings);
 
-        if (options.midi != juce::File())
-            messages = readMidi (options.midi);
+        if (options.alignSound)
+            performance.align (modules.getLatency() / in.sampleRate);
 
-        applyRanges (changes, settings);
+        if (options.verbose)
+            tellSettings (options, performance.settings);
     }
 
-    std::vector<Setting> settings; // from the first sample on
-    std::vector<TimedSetting> changes;
-    std::vector<TimedMessage> messages;
+    void saveState()
+    {
+        if (options.savedState != juce::File())
+            writeState (state.emplace ("--save-state", options.savedState), modules);
+    }
+
+    void play()
+    {
+        if (options.plot != juce::File())
+            trace.emplace (in.sampleRate, performance.settings);
+
+        Progress progress (! options.quiet && ! options.isWorker);
+        const auto observe = [&] (const Block& block)
+        {
+            progress.show (block.start, in.lengthInSamples);
+
+            if (trace)
+                trace->play (block);
+        };
+        result = renderRecording (in, modules, { performance.changes, performance.messages, in.sampleRate },
+                                  options.blockSize, out, observe);
+        out.finish();
+    }
+
+    void draw()
+    {
+        if (! trace)
+            return;
+
+        Recording after (out.getTemporaryFile(), out.getTemporaryFile().getFullPathName());
+        const auto image = drawFigure (sourceOf (in), sourceOf (after), nameOr ("standard input", task.input),
+                                       nameOr ("standard output", task.output), *trace, modules.getLatency());
+        writeWhole (plot.emplace ("--plot", options.plot), [&] (juce::OutputStream& stream)
+                    { return juce::PNGImageFormat().writeImageToStream (image, stream); });
+    }
+
+    void commit()
+    {
+        out.commit();
+
+        for (auto* file : { &plot, &state })
+            if (*file)
+                (*file)->commit();
+    }
+
+    void printSummary() const;
+
+private:
+    const Options& options;
+    const Task& task;
+    const FileKind& kind;
+    const int bits;
+    const std::unique_ptr<NewFile> piped; // what came through a pipe, if that was it
+    Recording in;
+    Performance performance;
+    ModuleBank modules;
+    RecordingOutput out;
+    std::optional<ShiftTrace> trace;
+    std::optional<NewFile> plot, state;
+    RenderResult result;
 };
 
-RenderResult play (const Options& options, Recording& in, ModuleBank& modules, const Performance& performance,
-                   RecordingOutput& out, ShiftTrace* trace)
+void Rendering::printSummary() const
 {
-    Progress progress (! options.quiet && ! options.isWorker);
-    const auto observe = [&] (const Block& block)
-    {
-        progress.show (block.start, in.lengthInSamples);
+    auto* const messages = task.output == juce::File() ? stderr : stdout;
+    const auto latency = modules.getLatency();
+    const auto seconds = static_cast<double> (out.getLength()) / in.sampleRate;
+    const auto peak = juce::Decibels::gainToDecibels (result.peak, -144.0f);
 
-        if (trace != nullptr)
-            trace->play (block);
-    };
-    const auto result = renderRecording (in, modules, { performance.changes, performance.messages, in.sampleRate },
-                                         options.blockSize, out, observe);
-    out.finish();
-    return result;
+    std::fprintf (
+        messages,
+        "%s: %.2f s, peak %.1f dBFS, latency %d samples (%.1f ms) taken out, %.1f times faster than real time\n",
+        pathOr ("standard output", task.output).toRawUTF8(), seconds, static_cast<double> (peak), latency,
+        1000.0 * latency / in.sampleRate, seconds / result.seconds);
+
+    if (bits < 32 && result.peak > 1.0f)
+        std::fprintf (stderr, "note: %.1f dB too loud for %d bits, and clipped; 32 bits keep it\n",
+                      static_cast<double> (peak), bits);
+
+    if (result.unplayedEvents > 0)
+        std::fprintf (stderr, "note: %d events come after the end and are not played\n", result.unplayedEvents);
 }
 } // namespace
 
@@ -178,53 +197,19 @@ void renderFile (const Options& asked, Task task)
     const juce::ScopedJuceInitialiser_GUI framework; // the module's interface wants a message thread
     auto options = asked;
     checkTargets (options, task);
-    const auto& kind = fileKind (task.output, options.format);
-    const auto bits = sampleBits (kind, options.bits);
-    std::optional<NewFile> piped, plot, state;
 
-    if (task.input == juce::File())
-        readPipe (piped.emplace ("IN", fileForPipe()));
-
-    Recording in (piped ? piped->getTemporaryFile() : task.input, pathOr ("the standard input", task.input));
-    Performance performance (options);
-    const auto& settings = performance.settings;
-    ModuleBank modules (findModule (options.module), static_cast<int> (in.numChannels), in.getChannelMap(),
-                        options.channels);
-    modules.prepare (in.sampleRate, options.blockSize, settings);
-
-    if (options.alignSound)
-        alignToSound (performance.changes, performance.messages, modules.getLatency() / in.sampleRate,
-                      playsVoices (settings));
-
-    if (options.verbose)
-        tellSettings (options, settings);
-
-    if (options.savedState != juce::File())
-        writeState (state.emplace ("--save-state", options.savedState), modules);
-
-    std::optional<ShiftTrace> trace;
-
-    if (options.plot != juce::File())
-        trace.emplace (in.sampleRate, settings);
-
-    RecordingOutput out (task.output, kind, bits, in);
-    const auto result = play (options, in, modules, performance, out, trace ? &*trace : nullptr);
-
-    if (trace)
-        drawPlot (task, plot.emplace ("--plot", options.plot), *trace, in, out.getTemporaryFile(),
-                  modules.getLatency());
+    Rendering rendering (options, task);
+    rendering.saveState();
+    rendering.play();
+    rendering.draw();
 
     if (interrupted())
         throw Interrupted();
 
-    out.commit();
-
-    for (auto* file : { &plot, &state })
-        if (*file)
-            (*file)->commit();
+    rendering.commit();
 
     if (! options.quiet)
-        printSummary (task, bits, out, in.sampleRate, modules.getLatency(), result);
+        rendering.printSummary();
 }
 
 void saveStateOnly (const Options& asked)

@@ -2,10 +2,7 @@
 #include "render/sound/NewFile.h"
 
 #include "render/options/Errors.h"
-
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
+#include "render/sound/SystemFiles.h"
 
 namespace tarvelline::render
 {
@@ -69,15 +66,10 @@ NewFile::NewFile (const juce::String& role, const juce::File& target)
 
 std::unique_ptr<juce::OutputStream> NewFile::open()
 {
-    // "x": made here or not at all, so that nothing is written into a file or through a link that is there already.
-    auto* made = std::fopen (temporary.getFile().getFullPathName().toRawUTF8(), "wbx");
-
-    if (made == nullptr)
+    if (const auto refusal = makeNewFile (temporary.getFile()); refusal.isNotEmpty())
         throw UserError (name + ": cannot write into "
-                         + temporary.getTargetFile().getParentDirectory().getFullPathName() + ": "
-                         + juce::String (std::strerror (errno)));
+                         + temporary.getTargetFile().getParentDirectory().getFullPathName() + ": " + refusal);
 
-    std::fclose (made);
     auto stream = std::make_unique<juce::FileOutputStream> (temporary.getFile());
     failed |= stream->failedToOpen();
     return std::make_unique<WatchedStream> (std::move (stream), failed);

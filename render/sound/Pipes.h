@@ -5,10 +5,6 @@
 
 namespace tarvelline::render
 {
-/** To be called first: a standard stream that is closed gets /dev/null, where reading and writing fail, so that no file opened
-    later is taken for it. */
-void occupyClosedStreams();
-
 /** A place for what goes through a pipe: sound is read more than once, and a header tells its length, so that both ways
     lead over a file. In the folder for temporary files (TMPDIR). */
 juce::File fileForPipe();

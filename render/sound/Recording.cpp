@@ -2,11 +2,11 @@
 #include "render/sound/Recording.h"
 
 #include "render/options/Errors.h"
+#include "render/options/Paths.h"
 #include "render/running/Terminal.h"
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <numeric>
 
 namespace tarvelline::render
@@ -29,7 +29,7 @@ bool isReadKind (const SF_INFO& info)
 std::unique_ptr<juce::InputStream> openFile (const juce::File& file, const juce::String& path)
 {
     std::error_code failure;
-    const auto status = std::filesystem::status (file.getFullPathName().toStdString(), failure);
+    const auto status = std::filesystem::status (pathOf (file), failure);
 
     if (! std::filesystem::exists (status))
         throw UserError ("IN: there is no file " + path);

@@ -4,29 +4,29 @@ import math
 import pathlib
 from typing import NamedTuple
 
+import controls
 import keyboard
 import lettering
 from svg import INK, ORANGE, WINDOW_BOTTOM, WINDOW_TOP, Drawing, arc, circle, group, num, path, rect, spoke
 
 HERE = pathlib.Path(__file__).parent
-HALF, HEIGHT = 512.0, 576.0
+HALF, HEIGHT = controls.HALF, 576.0
 
-# Control rectangles of the left half (x, y, width, height); the right half's are these moved by HALF.
-WHEEL = (91.5, 65.5, 330.0, 330.0)
-KNOBS = {"GRAVITY": (84.6, 421.6, 77.0, 77.0), "INERTIA": (216.6, 421.6, 77.0, 77.0),
-         "SMOOTH": (350.6, 421.6, 77.0, 77.0)}
-MIXER = (446.6, 503.6, 47.0, 47.0)
-RANGE = (24.0, 22.0, 74.0, 50.0)          # the windows stand on whole pixels, as the text boxes do
-SNAP = (416.0, 22.0, 74.0, 50.0)
-MIDI = (12.0, 515.0, 63.0, 48.0)
-KEYS = (89.0, 526.0, 336.0, 36.0)
-SIZE = (472.0, 331.0, 39.0, 96.0)
+WHEEL = controls.place("mainWheelSlider")
+KNOBS = {name: controls.place(f"pitch{name.title()}Slider") for name in ("GRAVITY", "INERTIA", "SMOOTH")}
+MIXER = controls.place("mixerSlider")
+# These stand on whole pixels, as the text in them does.
+RANGE = controls.whole_place("pitchRangeBox")
+SNAP = controls.whole_place("pitchSnapButton")
+MIDI = controls.whole_place("midiModeButton")
+KEYS = controls.whole_place("keyboard")
+SIZE = controls.whole_place("sizeButton")
 
 # Every rotary control sweeps from 1.2 to 2.8 pi: 144 degrees to either side of straight up.
 SWEEP_START, SWEEP_END = -144.0, 144.0
 PUCK_ORBIT = 0.416 * WHEEL[2]
 GROOVE_HALF_WIDTH = 25.0         # the puck and a little play; its rim ends below radius 165
-DIAL_RADIUS = 111.5
+DIAL_RADIUS = controls.PLACES["pitchDial"][2] / 2
 BAND_INNER, BAND_OUTER = 82.5, 105.0      # of the dial, in which its index mark runs
 
 FLUTES = 60                # grip flutes round a knob's skirt

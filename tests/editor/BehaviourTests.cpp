@@ -213,9 +213,10 @@ TEST (KeyboardStrip, IsRepaintedOncePerChange)
     tick (rig, 1);
     RepaintListener::listenTo (rig.control ("keyboard"), [&] { ++repaints; });
 
-    for (const auto note : { 60, 64 })
+    for (const auto note : std::initializer_list<juce::uint8> { 60, 64 })
     {
-        rig.processor.noteEvent (note, true);
+        rig.send ({ 0x90, note, 100 });
+        rig.playBlock (0);
         tick (rig, 3);
         EXPECT_FALSE (rig.processor.voices.keysChanged);
     }

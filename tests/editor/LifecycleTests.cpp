@@ -2,37 +2,12 @@
 #include "tests/editor/EditorRig.h"
 #include "tests/support/DrawnText.h"
 
-#include <map>
 #include <set>
 
 namespace tarvelline::test
 {
 namespace
 {
-// A control that outlives its look draws with a dead one; the framework cannot always tell.
-TEST (Closing, TakesEveryLookFromItsControlsWhileItLives)
-{
-    std::map<juce::String, bool> detached;
-    EditorRig rig (0, true);
-
-    for (auto* child : rig.editor->getChildren())
-    {
-        if (&child->getLookAndFeel() == &juce::LookAndFeel::getDefaultLookAndFeel())
-            continue;
-
-        // Taking it away repaints; a look that died before does not, and the control never hears of it.
-        RepaintListener::listenTo (*child,
-                                   [child, look = &child->getLookAndFeel(), &done = detached[child->getComponentID()]]
-                                   { done = done || &child->getLookAndFeel() != look; });
-    }
-
-    rig.editor.reset();
-    EXPECT_EQ (detached.size(), 17u);
-
-    for (const auto& [id, done] : detached)
-        EXPECT_TRUE (done) << id;
-}
-
 // A window on a processor that has no engine and no rate yet, a state that does not reach one that stands open, or a dial
 // that shows a wheel which was never set.
 TEST (Opening, NeedsNoPreparedProcessorAndFollowsAState)
@@ -61,13 +36,13 @@ TEST (Opening, NeedsNoPreparedProcessorAndFollowsAState)
 TEST (Accessibility, EveryControlHasATitleOfItsOwn)
 {
     EditorRig rig;
-    std::set<juce::String> titles;
+    std::multiset<juce::String> titles;
 
     for (auto* child : rig.editor->getChildren())
         if (child->getComponentID().isNotEmpty()) // all but the read-out and the corner to drag
             titles.insert (child->getTitle());
 
-    EXPECT_EQ (titles.size(), 20u);
+    EXPECT_EQ (std::set (titles.begin(), titles.end()).size(), titles.size());
     EXPECT_EQ (titles.count ({}), 0u);
 }
 
@@ -91,7 +66,7 @@ TEST (Accessibility, AScreenReaderHearsWhatTheEyeSees)
     ((juce::Timer&) rig.control<FollowDial> ("pitchDial")).timerCallback(); // a private base, hence this form of cast
 
     EXPECT_EQ (spoken<ModeButton> (rig, "midiModeButton"), "MIDI note mode: Multi");
-    EXPECT_EQ (spoken<TitledBox> (rig, "pitchRangeBox"), "Pitch range in semitones: 24");
+    EXPECT_EQ (spoken<MyComboBox> (rig, "pitchRangeBox"), "Pitch range in semitones: 24");
     EXPECT_EQ (spoken<FollowDial> (rig, "pitchDial"), "Sounding pitch shift: 6.00 semitones");
     EXPECT_EQ (spoken<Keyboard> (rig, "keyboard"), "Held notes: C#4 G4");
 }

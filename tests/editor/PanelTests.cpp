@@ -40,10 +40,12 @@ juce::Image pictureOfOnly (EditorRig& rig, std::initializer_list<const char*> co
     return pictureOf (*rig.editor, scale);
 }
 
-/** Each pixel the mean of four. */
+/** Each pixel the mean of four. Drawn twice: what was in the memory before shows through a corner of the first picture. */
 juce::Image halved (const juce::Image& picture)
 {
-    return picture.rescaled (picture.getWidth() / 2, picture.getHeight() / 2);
+    auto half = picture.rescaled (picture.getWidth() / 2, picture.getHeight() / 2);
+    juce::Graphics (half).drawImageTransformed (picture, juce::AffineTransform::scale (0.5f));
+    return half;
 }
 
 // A picture enlarged, taken from the wrong source, resampled twice, or a pixel off.

@@ -53,7 +53,7 @@ TEST (Threads, ShareTheProcessorWhileItPlays)
             rig.toggle (bound.control, round % 2 == 0);
 
         rig.choose ("pitchRangeBox", round % 6);
-        juce::dispatchNextMessageOnSystemQueue (true); // the window's timers
+        dispatchNextMessageOnSystemQueue (true); // the window's timers
         rig.editor->createComponentSnapshot (rig.editor->getLocalBounds());
 
         if (round % 5 == 0)

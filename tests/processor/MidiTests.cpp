@@ -124,7 +124,6 @@ TEST (Keys, ShowTheLastNoteThatTransposed)
     rig.note (64, false);
     EXPECT_FALSE (rig.lit (64));
     EXPECT_EQ (rig.processor.mainWheel.midiOffset, 4.0);
-    EXPECT_EQ (rig.processor.lastNoteOffset, 4.0f);
 }
 
 // A ninth note that steals a voice, a slot that is not given back, a repeated note that starts a second voice of the same

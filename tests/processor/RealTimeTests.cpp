@@ -5,8 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <memory>
 #include <mutex>
 
+#include <malloc.h>
 #include <unistd.h>
 
 namespace tarvelline::test
@@ -97,6 +100,30 @@ TEST (RealTime, NoBlockAllocatesLocksOrCallsTheSystem)
                 expectCleanBlocks (rig, {});
             }
         }
+}
+
+// Memory that is not given back: an engine, a listener, a table a life. 1,000 lives, eight at a time.
+TEST (RealTime, LivesLeaveNoMemory)
+{
+    const auto live = []
+    {
+        std::array<std::unique_ptr<ProcessorRig>, 8> rigs;
+
+        for (auto& rig : rigs)
+        {
+            rig = std::make_unique<ProcessorRig>();
+            rig->prepare();
+            rig->playBlock (64);
+        }
+    };
+
+    live(); // what the framework makes once
+    const auto before = mallinfo2().uordblks;
+
+    for (int i = 0; i < 125; ++i)
+        live();
+
+    EXPECT_LT (mallinfo2().uordblks, before + 65536); // bytes
 }
 } // namespace
 } // namespace tarvelline::test

@@ -4,12 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
-#include <memory>
 #include <set>
-
-#include <malloc.h>
 
 namespace tarvelline::test
 {
@@ -44,7 +40,7 @@ TEST (Shell, ParametersHaveNamesOfTheirOwnAtAnyLength)
         for (const auto* parameter : rig.processor.getParameters())
             EXPECT_LE (names.insert (parameter->getName (length)).first->length(), length);
 
-        EXPECT_EQ (names.size(), 15u) << length;
+        EXPECT_EQ (names.size(), parameterTable.size()) << length;
     }
 }
 
@@ -130,30 +126,6 @@ TEST (Shell, KeepsTheLatencyThroughBypassAndBlocksOfAnySize)
     }
 
     EXPECT_TRUE (sameBits (Signal (output).subspan (2048), Signal (input).first (input.size() - 2048)));
-}
-
-// Memory that is not given back: an engine, a listener, a table a life. 1,000 lives, eight at a time.
-TEST (Shell, LivesLeaveNoMemory)
-{
-    const auto live = []
-    {
-        std::array<std::unique_ptr<ProcessorRig>, 8> rigs;
-
-        for (auto& rig : rigs)
-        {
-            rig = std::make_unique<ProcessorRig>();
-            rig->prepare();
-            rig->playBlock (64);
-        }
-    };
-
-    live(); // what the framework makes once
-    const auto before = mallinfo2().uordblks;
-
-    for (int i = 0; i < 125; ++i)
-        live();
-
-    EXPECT_LT (mallinfo2().uordblks, before + 65536); // bytes
 }
 } // namespace
 } // namespace tarvelline::test

@@ -75,11 +75,13 @@ protected:
         return recording;
     }
 
-    /** Runs a command of the shell in the folder, for two minutes at most, with the program as $RENDER. */
+    /** Runs a command of the shell in the folder, for two minutes at most, with the program as $RENDER: the one built here,
+        or the one that TARVELLINE_RENDER names. */
     Outcome shell (const juce::String& command) const
     {
         juce::ChildProcess child;
-        const auto script = "cd '" + folder.getFullPathName() + "' || exit; RENDER='" TARVELLINE_RENDER "'; " + command;
+        const auto script = "cd '" + folder.getFullPathName()
+                            + "' || exit; RENDER=${TARVELLINE_RENDER:-'" TARVELLINE_RENDER "'}; " + command;
 
         if (! child.start (juce::StringArray { "timeout", "120", "/bin/sh", "-c", script }))
             return {};

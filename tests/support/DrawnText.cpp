@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/DrawnText.h"
 
+#include "tests/support/Framework.h"
+#include "widgets/Fonts.h"
+
 #include <cmath>
 
 namespace tarvelline::test
@@ -8,18 +11,23 @@ namespace tarvelline::test
 namespace
 {
 /** A renderer that notes every glyph on its way to the picture. */
-class GlyphListener : public juce::LowLevelGraphicsSoftwareRenderer
+class GlyphListener : public GlyphRenderer
 {
 public:
-    using LowLevelGraphicsSoftwareRenderer::LowLevelGraphicsSoftwareRenderer;
+    using GlyphRenderer::GlyphRenderer;
 
-    void drawGlyph (int glyph, const juce::AffineTransform& transform) override
+    void glyphDrawn (int glyph, const juce::AffineTransform& transform) override
     {
         constexpr auto mostBlanks = 3.0f; // a wider gap parts two texts
         const auto& font = stack->font;
+        const auto characters = charactersFor (glyph);
+
+        if (characters == " ")
+            return;
+
         const auto position = juce::Point<float>().transformedBy (stack->transform.getTransformWith (transform));
         const auto blanks =
-            texts.empty() ? -1.0f : std::round ((position.x - texts.back().right) / font.getStringWidthFloat (" "));
+            texts.empty() ? -1.0f : std::round ((position.x - texts.back().right) / widthOf (font, " "));
 
         if (blanks < 0.0f || blanks > mostBlanks || std::abs (texts.back().baseline - position.y) > 0.1f
             || ! juce::approximatelyEqual (texts.back().height, font.getHeight()))
@@ -34,27 +42,23 @@ public:
         else
             texts.back().text += juce::String::repeatedString (" ", static_cast<int> (blanks));
 
-        const auto character = characterFor (glyph);
-        texts.back().text += character;
-        texts.back().right = position.x + font.getStringWidthFloat (character);
+        texts.back().text += characters;
+        texts.back().right = position.x + widthOf (font, characters);
     }
 
     std::vector<DrawnText> texts;
 
 private:
-    juce::String characterFor (int glyph)
+    juce::String charactersFor (int glyph)
     {
+        constexpr auto ligature = juce::juce_wchar { 0xfb00 }; // of two letters f
+        auto& typeface = *stack->font.getTypefacePtr();
+
         for (auto c = juce::juce_wchar { ' ' }; c <= '~'; ++c)
-        {
-            juce::Array<int> glyphs;
-            juce::Array<float> offsets;
-            stack->font.getTypefacePtr()->getGlyphPositions (juce::String::charToString (c), glyphs, offsets);
-
-            if (glyphs.getFirst() == glyph)
+            if (glyphOf (typeface, c) == glyph)
                 return juce::String::charToString (c);
-        }
 
-        return "?";
+        return glyphOf (typeface, ligature) == glyph ? "ff" : "?";
     }
 };
 } // namespace

@@ -11,8 +11,8 @@ std::vector<std::int64_t> targets()
 {
     auto found = hwy::SupportedAndGeneratedTargets();
 
-    if (found.empty() || found.back() != HWY_SCALAR)
-        found.push_back (HWY_SCALAR); // the fallback of every machine
+    if (found.empty() || found.back() != HWY_STATIC_TARGET)
+        found.push_back (HWY_STATIC_TARGET); // what every machine of the architecture runs: Highway may not name it
 
     return found;
 }

@@ -7,7 +7,8 @@
 
 namespace tarvelline::test
 {
-/** The instruction sets that the engine is built for and this machine can run, the best one first; "SCALAR" is always one. */
+/** The instruction sets that the engine is built for and this machine can run, the best one first. The last one is what every
+    machine of the architecture has: "SCALAR" where that is scalar code, "SSE2" or "NEON" where it is not. */
 std::vector<std::string> instructionSets();
 
 /** Holds the engine to one of them while it lives; afterwards the machine's best one counts again. */

@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "tests/support/Framework.h"
+
 #include <chrono>
 #include <thread>
-
-namespace juce
-{
-// The framework's own Linux wrapper declares it like this: modal loops are off, and this is the loop's inner step.
-bool dispatchNextMessageOnSystemQueue (bool returnIfNoPendingMessages);
-} // namespace juce
 
 namespace tarvelline::test
 {
@@ -24,7 +20,7 @@ bool pumpMessagesUntil (Condition&& done)
         if (std::chrono::steady_clock::now() > deadline)
             return false;
 
-        if (! juce::dispatchNextMessageOnSystemQueue (true))
+        if (! dispatchNextMessageOnSystemQueue (true))
             std::this_thread::sleep_for (std::chrono::milliseconds (1));
     }
 

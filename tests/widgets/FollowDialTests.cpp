@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/editor/EditorRig.h"
 #include "tests/support/DrawnText.h"
 #include "tests/support/PixelMeters.h"
-#include "tests/support/ProcessorRig.h"
-#include "widgets/FollowDial.h"
 
 #include "BinaryData.h"
-
-#include <gtest/gtest.h>
 
 namespace tarvelline::test
 {
@@ -16,46 +13,44 @@ constexpr auto pi = juce::MathConstants<float>::pi;
 
 struct DialRig
 {
-    explicit DialRig (int wheelIndex = 0, int width = 222, int height = 222)
+    explicit DialRig (int width = 222, int height = 222)
     {
-        rig.prepare();
-        dial.setUp (rig.processor, wheelIndex);
+        wheel.timeScale = 1.0;
+        dial.follow (wheel, {});
         dial.setRotaryParameters ({ 1.2f * pi, 2.8f * pi, true });
         dial.setSize (width, height);
     }
 
-    /** What the dial's own timer does every 20 ms, without the wait. */
-    void tick (int times = 1)
-    {
-        for (auto i = 0; i < times; ++i)
-            ((juce::Timer&) dial).timerCallback(); // a private base, which only this form of cast reaches
-    }
-
-    ProcessorRig rig;
+    WheelRecord wheel;
     FollowDial dial;
 };
 
-// The wheel's value instead of its moving point, semitones from one end instead of the centre, a trimmed number, the other
-// wheel, a zero with a sign.
+/** What the dial's own timer does every 20 ms, without the wait. */
+void tick (FollowDial& dial, int times = 1)
+{
+    for (auto i = 0; i < times; ++i)
+        ((juce::Timer&) dial).timerCallback(); // a private base, which only this form of cast reaches
+}
+
+// The wheel's value instead of its moving point, semitones from one end instead of the centre, a trimmed number, a zero with
+// a sign.
 TEST (FollowDial, ShowsTheShiftAndTurnsWithIt)
 {
-    for (const auto wheelIndex : { 0, 1 })
-        for (const auto& [point, span, text, angle] : { std::tuple { 0.5, 24.0, "0.00", 0.0f },
-                                                        { 1.0, 48.0, "24.00", 0.8f * pi },
-                                                        { 0.0, 2.0, "-1.00", -0.8f * pi },
-                                                        { 0.21, 12.0, "-3.48", -0.464f * pi },
-                                                        { 0.4999, 12.0, "0.00", -0.00016f * pi } })
-        {
-            DialRig rig (wheelIndex);
-            auto& wheel = wheelIndex == 0 ? rig.rig.processor.mainWheel : rig.rig.processor.timbWheel;
-            wheel.point = point;
-            wheel.span = span;
-            rig.tick();
-            EXPECT_EQ (wordsOf (rig.dial), std::vector<juce::String> { text });
+    for (const auto& [point, span, text, angle] : { std::tuple { 0.5, 24.0, "0.00", 0.0f },
+                                                    { 1.0, 48.0, "24.00", 0.8f * pi },
+                                                    { 0.0, 2.0, "-1.00", -0.8f * pi },
+                                                    { 0.21, 12.0, "-3.48", -0.464f * pi },
+                                                    { 0.4999, 12.0, "0.00", -0.00016f * pi } })
+    {
+        DialRig rig;
+        rig.wheel.point = point;
+        rig.wheel.span = span;
+        tick (rig.dial);
+        EXPECT_EQ (wordsOf (rig.dial), std::vector<juce::String> { text });
 
-            const auto mark = centreOf (pictureOf (rig.dial), rig.dial.getLocalBounds(), isOrange); // the ring's index
-            EXPECT_NEAR (juce::Point<float> (111.0f, 111.0f).getAngleToPoint (mark), angle, 0.01f) << text;
-        }
+        const auto mark = centreOf (pictureOf (rig.dial), rig.dial.getLocalBounds(), isOrange); // the ring's index
+        EXPECT_NEAR (juce::Point<float> (111.0f, 111.0f).getAngleToPoint (mark), angle, 0.01f) << text;
+    }
 }
 
 // A ring enlarged on a fine screen, or resampled twice: at double size the picture for it is copied as it is.
@@ -72,7 +67,7 @@ TEST (FollowDial, IsAsSharpAsAFineScreen)
 
 TEST (FollowDial, WritesInTheDisplayFaceInTheMiddle)
 {
-    DialRig rig (0, 300, 240);
+    DialRig rig (300, 240);
     const auto number = textsOf (rig.dial).at (0);
     EXPECT_EQ (number.typeface, "Sci Fied 2002");
     EXPECT_NEAR (number.height, 40.0f, 0.01f);
@@ -90,26 +85,27 @@ TEST (InfoLine, ShowsFromTenSecondsForSixAndFades)
                                         std::pair { AudioProcessor::wrapperType_LV2, "64 bit  v.5.0.2" } })
     {
         AudioProcessor::setTypeOfNextNewPlugin (format);
-        DialRig rig;
+        EditorRig rig (576);
         AudioProcessor::setTypeOfNextNewPlugin (AudioProcessor::wrapperType_Undefined);
+        auto& dial = rig.control<FollowDial> ("pitchDial");
         const auto opacity = [&]
         {
-            const auto texts = textsOf (rig.dial);
+            const auto texts = textsOf (dial);
             return texts.size() == 2 ? texts[1].colour.getFloatAlpha() : 0.0f;
         };
 
-        rig.tick (500);
+        tick (dial, 500);
         EXPECT_EQ (opacity(), 0.0f) << "10 s: the number alone";
-        rig.tick();
-        const auto line = textsOf (rig.dial).at (1);
+        tick (dial);
+        const auto line = textsOf (dial).at (1);
         EXPECT_EQ (line.text, text);
-        EXPECT_NEAR (line.height, 222.0f * 0.0625f, 0.01f);
+        EXPECT_NEAR (line.height, 223.0f * 0.0625f, 0.01f);
         EXPECT_GT (line.baseline, 111.0f + line.height);
 
         for (const auto& [ticks, expected] :
              { std::pair { 0, 0.6f }, { 269, 0.6f }, { 15, 0.3f }, { 15, 0.0f }, { 600, 0.0f } })
         {
-            rig.tick (ticks);
+            tick (dial, ticks);
             EXPECT_NEAR (opacity(), expected, 0.005f) << ticks << " ticks later";
         }
     }

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <mutex>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,7 +17,15 @@
 
 namespace tarvelline::render
 {
-Process::Process (const juce::StringArray& arguments)
+struct Process::Handles
+{
+    std::mutex guard; // of `process`, which is -1 once its number may be another's
+    int process = -1, output = -1;
+};
+
+Process::~Process() = default;
+
+Process::Process (const juce::StringArray& arguments) : handles (std::make_unique<Handles>())
 {
     const auto program = juce::File::getSpecialLocation (juce::File::hostApplicationPath).getFullPathName();
     std::vector<char*> words { const_cast<char*> (program.toRawUTF8()) }; // posix_spawn() does not write to them
@@ -36,14 +45,14 @@ Process::Process (const juce::StringArray& arguments)
     posix_spawn_file_actions_addopen (&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_adddup2 (&files, ends[1], STDOUT_FILENO);
     posix_spawn_file_actions_adddup2 (&files, ends[1], STDERR_FILENO);
-    const auto failure = posix_spawn (&process, words[0], &files, nullptr, words.data(), environ);
+    const auto failure = posix_spawn (&handles->process, words[0], &files, nullptr, words.data(), environ);
     posix_spawn_file_actions_destroy (&files);
     close (ends[1]);
-    output = ends[0];
+    handles->output = ends[0];
 
     if (failure != 0)
     {
-        close (output);
+        close (handles->output);
         throw UserError (juce::String ("cannot start a process: ") + juce::String (std::strerror (failure)));
     }
 }
@@ -54,14 +63,14 @@ Outcome Process::wait()
     std::array<char, 4096> text {};
 
     for (ssize_t bytes = 1; bytes > 0 || (bytes < 0 && errno == EINTR);)
-        if (bytes = read (output, text.data(), text.size()); bytes > 0)
+        if (bytes = read (handles->output, text.data(), text.size()); bytes > 0)
             outcome.text.append (text.data(), static_cast<std::size_t> (bytes));
 
-    close (output);
+    close (handles->output);
     const auto ended = [this]
     {
-        const std::lock_guard lock (guard);
-        return std::exchange (process, -1);
+        const std::lock_guard lock (handles->guard);
+        return std::exchange (handles->process, -1);
     }();
     int status = 0;
 
@@ -75,9 +84,9 @@ Outcome Process::wait()
 
 void Process::stop()
 {
-    const std::lock_guard lock (guard);
+    const std::lock_guard lock (handles->guard);
 
-    if (process > 0)
-        kill (process, SIGTERM);
+    if (handles->process > 0)
+        kill (handles->process, SIGTERM);
 }
 } // namespace tarvelline::render

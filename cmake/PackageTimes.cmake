@@ -1,0 +1,5 @@
+# Run by CPack before it packs: what is packed bears the time of the commit, so that two packages of one commit are the same.
+if(DEFINED ENV{SOURCE_DATE_EPOCH})
+    execute_process(COMMAND find "${CPACK_TEMPORARY_DIRECTORY}" -exec touch --no-dereference "--date=@$ENV{SOURCE_DATE_EPOCH}" {} +
+        COMMAND_ERROR_IS_FATAL ANY)
+endif()
