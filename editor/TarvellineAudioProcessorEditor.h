@@ -88,7 +88,8 @@ private:
     MainRotaryDraw mainRotaryLook;
     RotaryTick tickLook;
     RotaryDisplayTick displayTickLook;
-    FlatLookAndFeel mainLook { 0.8f }, midiOptionsLook { 0.4f }; // whose words need half the height
+    TarvellineLookAndFeel mainLook;
+    MidiOptionsLookAndFeel midiOptionsLook;
     EditorControls controls;
     juce::OwnedArray<juce::AudioProcessorValueTreeState::SliderAttachment> sliderAttachments;
     juce::OwnedArray<juce::AudioProcessorValueTreeState::ComboBoxAttachment> comboBoxAttachments;

@@ -10,9 +10,6 @@ namespace tarvelline
 class FlatLookAndFeel : public juce::LookAndFeel_V4
 {
 public:
-    /** @param buttonTextShare  height of a button's text, of the button's height */
-    explicit FlatLookAndFeel (float buttonTextShare) : textShare (buttonTextShare) {}
-
     void drawButtonBackground (juce::Graphics&, juce::Button&, const juce::Colour& backgroundColour,
                                bool isMouseOverButton, bool isButtonDown) override;
     void drawButtonText (juce::Graphics&, juce::TextButton&, bool isMouseOverButton, bool isButtonDown) override;
@@ -24,7 +21,25 @@ public:
     juce::Font getComboBoxFont (juce::ComboBox&) override;
     void positionComboBoxText (juce::ComboBox&, juce::Label&) override;
 
+protected:
+    /** @param buttonTextShare  height of a button's text, of the button's height */
+    explicit FlatLookAndFeel (float buttonTextShare) : textShare (buttonTextShare) {}
+
 private:
     const float textShare;
+};
+
+/** The look of the snap and size buttons and of the range boxes. */
+class TarvellineLookAndFeel : public FlatLookAndFeel
+{
+public:
+    TarvellineLookAndFeel() : FlatLookAndFeel (0.8f) {}
+};
+
+/** The look of the MIDI mode button, whose words need half the height. */
+class MidiOptionsLookAndFeel : public FlatLookAndFeel
+{
+public:
+    MidiOptionsLookAndFeel() : FlatLookAndFeel (0.4f) {}
 };
 } // namespace tarvelline

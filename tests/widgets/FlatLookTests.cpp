@@ -12,7 +12,7 @@ namespace
 // A body that flashes under the mouse, or none that answers a press.
 TEST (ButtonBody, ShowsOnlyWhilePressed)
 {
-    FlatLookAndFeel look (0.8f);
+    TarvellineLookAndFeel look;
     look.setColour (juce::TextButton::buttonColourId, juce::Colours::transparentBlack);
     const juce::Rectangle<int> whole (60, 40), none;
 
@@ -38,7 +38,7 @@ struct MenuItem : juce::Component
                                 nullptr);
     }
 
-    FlatLookAndFeel look { 0.8f };
+    TarvellineLookAndFeel look;
     bool ticked = false;
 };
 
