@@ -39,6 +39,7 @@ struct TarvellineAudioProcessor::Run
     std::array<float*, maxChannels> samples {};                    // of the block
     std::array<float, longestRun> pitch, timbre;                   // semitones, after each sample's step
     std::array<std::array<float, longestRun>, maxChannels> wet {}; // what the engines gave
+    std::array<float, longestRun> gain, crossfade;                 // of the output; to the dry signal, where 1 is all
 };
 
 void TarvellineAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer,
@@ -75,6 +76,7 @@ void TarvellineAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer,
         moveWheel (mainWheel, mainPosition, run.pitch.data(), run.count);
         moveWheel (timbWheel, timbPosition, run.timbre.data(), run.count);
         shiftRun (run);
+        fadeRun (run);
         mixRun (run, mix);
         done += run.count;
     }
@@ -102,10 +104,9 @@ void TarvellineAudioProcessor::shiftRun (Run& run) noexcept
                         voices.slots, levels);
 }
 
-/** Replaces the run's samples by the mix of what the engines made of them with the delayed input. */
-void TarvellineAudioProcessor::mixRun (Run& run, float mix) noexcept
+/** Carries both fades on, sample by sample. */
+void TarvellineAudioProcessor::fadeRun (Run& run) noexcept
 {
-    std::array<float, longestRun> gains, crossfades;
     const auto gainStep = outputFadesPerSecond / sampleRate, crossfadeStep = dryFadesPerSecond / sampleRate;
     const float startGain = outputGain;
     auto gain = startGain;
@@ -114,19 +115,23 @@ void TarvellineAudioProcessor::mixRun (Run& run, float mix) noexcept
     {
         const auto sample = static_cast<std::size_t> (i);
         gain = gain < 1.0f ? std::min (gain + gainStep, 1.0f) : gain;
-        gains[sample] = gain;
+        run.gain[sample] = gain;
 
         // Both wheels exactly in the centre, in transpose mode: the dry signal takes over.
         const auto atRest = run.transpose && std::abs (run.pitch[sample]) < restSemitones
                             && std::abs (run.timbre[sample]) < restSemitones;
         dryCrossfade =
             atRest ? std::min (dryCrossfade + crossfadeStep, 1.0f) : std::max (dryCrossfade - crossfadeStep, 0.0f);
-        crossfades[sample] = dryCrossfade;
+        run.crossfade[sample] = dryCrossfade;
     }
 
     if (gain != startGain) // otherwise the editor may be restarting the fade at this moment
         outputGain = gain;
+}
 
+/** Replaces the run's samples by the mix of what the engines made of them with the delayed input. */
+void TarvellineAudioProcessor::mixRun (Run& run, float mix) noexcept
+{
     for (int c = 0; c < run.channels; ++c)
     {
         auto* samples = run.samples[static_cast<std::size_t> (c)];
@@ -135,12 +140,12 @@ void TarvellineAudioProcessor::mixRun (Run& run, float mix) noexcept
 
         for (int i = 0; i < run.count; ++i)
         {
-            const auto crossfade = crossfades[static_cast<std::size_t> (i)];
+            const auto sample = static_cast<std::size_t> (i);
+            const auto crossfade = run.crossfade[sample];
 
             // The larger of the two shares: the dry signal does not dip while one hands over to the other.
             const auto dryShare = std::max (1.0f - mix, crossfade);
-            samples[i] =
-                ((1.0f - crossfade) * wet[i] * mix + dryShare * samples[i]) * gains[static_cast<std::size_t> (i)];
+            samples[i] = ((1.0f - crossfade) * wet[i] * mix + dryShare * samples[i]) * run.gain[sample];
         }
     }
 }

@@ -97,6 +97,7 @@ private:
     void bendWheel (int value14Bit) noexcept;
     struct Run;
     void shiftRun (Run&) noexcept;
+    void fadeRun (Run&) noexcept;
     void mixRun (Run&, float mix) noexcept;
 
     RelaxedAtomic<float> lastMainRange { -1.0f }, lastTimbRange { -1.0f }; // selectors as last told of; negative before

@@ -213,7 +213,7 @@ TEST (KeyboardStrip, IsRepaintedOncePerChange)
     tick (rig, 1);
     RepaintListener::listenTo (rig.control ("keyboard"), [&] { ++repaints; });
 
-    for (const juce::uint8 note : { 60, 64 })
+    for (const auto note : std::initializer_list<juce::uint8> { 60, 64 })
     {
         rig.send ({ 0x90, note, 100 });
         rig.playBlock (0);

@@ -8,31 +8,6 @@ namespace tarvelline::test
 {
 namespace
 {
-// A control that outlives its look draws with a dead one; the framework cannot always tell.
-TEST (Closing, EndsEveryControlBeforeItsLook)
-{
-    struct Watch : juce::ComponentListener
-    {
-        void componentBeingDeleted (juce::Component& control) override
-        {
-            ++ended;
-            EXPECT_NE (&control.getLookAndFeel(), plainLook) << control.getComponentID();
-        }
-
-        const juce::LookAndFeel* plainLook = &juce::LookAndFeel::getDefaultLookAndFeel(); // which a dead one leaves
-        int ended = 0;
-    } watch; // outlives the window
-
-    EditorRig rig (0, true);
-
-    for (auto* child : rig.editor->getChildren())
-        if (&child->getLookAndFeel() != watch.plainLook)
-            child->addComponentListener (&watch);
-
-    rig.editor.reset();
-    EXPECT_GE (watch.ended, 17);
-}
-
 // A window on a processor that has no engine and no rate yet, a state that does not reach one that stands open, or a dial
 // that shows a wheel which was never set.
 TEST (Opening, NeedsNoPreparedProcessorAndFollowsAState)

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <locale>
 #include <random>
+#include <set>
 #include <tuple>
 
 namespace tarvelline::test
@@ -119,7 +120,8 @@ TEST (State, LeavesWhatItDoesNotNameAndAnnouncesAll)
     rig.restore (envelope ("<?xml version=\"1.0\"?>\n<TARVELLINEVERSION mixerPar=\"0.25\" "
                            "unknown=\"1\"><child/></TARVELLINEVERSION>"));
     EXPECT_EQ (rig.save(), expected.save());
-    EXPECT_EQ (host.changedParameters, (std::vector { 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14 }));
+    const auto& told = host.changedParameters;
+    EXPECT_EQ (std::set (told.begin(), told.end()).size(), parameterTable.size());
 }
 
 // A foreign or damaged block that changes half the settings, reads past its end or crashes.
