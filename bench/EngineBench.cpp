@@ -67,7 +67,7 @@ void engineStereo (benchmark::State& state, double depth, float formantRatio)
         const float* const in[] = { signal.data() + position, signal.data() + position };
         float* const out[] = { left, right };
         engine.process ({ ratios.data() + position, formantRatios.data() + position, in, out, 2, blockSize });
-        benchmark::DoNotOptimize (out);
+        benchmark::DoNotOptimize (left);
         position = position + 2 * blockSize <= signal.size() ? position + blockSize : 0;
     };
 
