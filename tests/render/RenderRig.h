@@ -75,7 +75,7 @@ protected:
         return recording;
     }
 
-    /** Runs a command of the shell in the folder, for two minutes at most, with the program as $RENDER: the one built here,
+    /** Runs a command of the shell in the folder, for ten minutes at most, with the program as $RENDER: the one built here,
         or the one that TARVELLINE_RENDER names. */
     Outcome shell (const juce::String& command) const
     {
@@ -83,7 +83,7 @@ protected:
         const auto script = "cd '" + folder.getFullPathName()
                             + "' || exit; RENDER=${TARVELLINE_RENDER:-'" TARVELLINE_RENDER "'}; " + command;
 
-        if (! child.start (juce::StringArray { "timeout", "120", "/bin/sh", "-c", script }))
+        if (! child.start (juce::StringArray { "timeout", "600", "/bin/sh", "-c", script }))
             return {};
 
         const auto text = child.readAllProcessOutput();
