@@ -60,6 +60,13 @@ void takeOption (Options& options, const OptionRow& row, const juce::String& val
         options.forWorkers.add (row.argument != nullptr ? asked + "=" + value : asked);
 }
 
+// The option that has no value and should have one. A value too many is told in the same way by some systems.
+const OptionRow* rowLacking (int found)
+{
+    const auto index = static_cast<std::size_t> (optopt - firstLongOption);
+    return found == ':' && optionTable()[index].argument != nullptr ? &optionTable()[index] : nullptr;
+}
+
 [[noreturn]] void refuse (const juce::String& word)
 {
     juce::StringArray meant;
@@ -108,9 +115,9 @@ juce::StringArray takeAll (Options& options, const juce::StringArray& arguments)
 
         if (found == 1)
             files.add (value);
-        else if (found == ':')
-            takeOption (options, rows[static_cast<std::size_t> (optopt - firstLongOption)], {});
-        else if (found == '?')
+        else if (const auto* lacking = rowLacking (found); lacking != nullptr)
+            takeOption (options, *lacking, {});
+        else if (found == ':' || found == '?')
             refuse (optopt > 0 && optopt < firstLongOption
                         ? "-" + juce::String::charToString (static_cast<juce::juce_wchar> (optopt))
                         : word);
