@@ -42,22 +42,32 @@ class BlockMeter
 public:
     BlockMeter (int blockSize, double rate) : secondsPerBlock (blockSize / rate) {}
 
-    /** Runs the benchmark's loop, then a second of blocks more, each timed alone: to read a clock costs as much as
-        a part of a block. */
-    template <typename Work>
-    void measure (benchmark::State& state, Work&& work)
+    /** Runs the benchmark's loop, then plays the same second some times over, each block timed alone: to read a clock costs
+        as much as a part of a block. What else the machine did meets other blocks every time, so the least of a block's times
+        is its own.
+        @param restart  brings all that work() changes back to where that second begins */
+    template <typename Work, typename Restart>
+    void measure (benchmark::State& state, Work&& work, Restart&& restart)
     {
         for (auto _ : state)
             work();
 
-        auto slowest = 0.0;
+        constexpr int rounds = 8;
+        std::vector<double> least (static_cast<std::size_t> (1.0 / secondsPerBlock), 1.0);
 
-        for (auto played = 0.0; played < 1.0; played += secondsPerBlock)
+        for (int round = 0; round < rounds; ++round)
         {
-            const auto start = std::clock();
-            work();
-            slowest = std::max (slowest, static_cast<double> (std::clock() - start) / CLOCKS_PER_SEC);
+            restart();
+
+            for (auto& seconds : least)
+            {
+                const auto start = std::clock();
+                work();
+                seconds = std::min (seconds, static_cast<double> (std::clock() - start) / CLOCKS_PER_SEC);
+            }
         }
+
+        const auto slowest = *std::max_element (least.begin(), least.end());
 
         using benchmark::Counter;
         const auto secondsOfAudio = static_cast<double> (state.iterations()) * secondsPerBlock;

@@ -18,10 +18,16 @@ set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/PackageTimes.cmake")
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION sound)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON) # adds what is linked; it knows the libraries of this machine alone
 # The framework opens the libraries of the X Window System and of JACK only when it needs them.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libx11-6, libxcursor1, libxext6, libxinerama1, libxrandr2, libxrender1")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-dejavu-core | fonts-freefont-ttf | fonts-liberation")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "pipewire-jack | libjack-jackd2-0 | libjack0")
+
+if(CMAKE_CROSSCOMPILING) # the preset arm64: what it adds for `portable`, whose libraries are the same
+    set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE arm64)
+    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS OFF)
+    string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS ", libasound2 (>= 1.0.16), libc6 (>= 2.35), libfreetype6 (>= 2.2.1)")
+endif()
 
 include(CPack)

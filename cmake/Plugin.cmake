@@ -33,7 +33,6 @@ juce_add_plugin(Tarvelline
     COMPANY_NAME "Vorntaal"
     COMPANY_WEBSITE "https://vorntaal.org"
     COMPANY_COPYRIGHT "The Tarvelline authors, GPL-3.0-or-later"
-    ICON_BIG "${PROJECT_SOURCE_DIR}/packaging/tarvelline.png"
     VERSION "${PROJECT_VERSION}"
     BUNDLE_ID "org.vorntaal.tarvelline"
     PLUGIN_MANUFACTURER_CODE Vorn
@@ -98,6 +97,17 @@ endif()
 if(TARGET Tarvelline_Standalone AND NOT WIN32)
     tarvelline_strict_sources(Tarvelline_Standalone "${PROJECT_SOURCE_DIR}/editor/StandaloneEntry.cpp")
     target_compile_definitions(Tarvelline_Standalone PRIVATE JUCE_USE_CUSTOM_PLUGIN_STANDALONE_ENTRYPOINT=1)
+endif()
+
+# The programs' icon, and the renderer's version. Not by the framework's ICON_BIG, with which it would call a command of Windows.
+if(WIN32)
+    get_target_property(juceaide juce::juceaide IMPORTED_LOCATION)
+    execute_process(COMMAND "${juceaide}" winicon "${PROJECT_BINARY_DIR}/tarvelline.ico" "${PROJECT_SOURCE_DIR}/packaging/tarvelline.png"
+        ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
+    foreach(name IN ITEMS icon renderer)
+        configure_file("${PROJECT_SOURCE_DIR}/packaging/windows/${name}.rc.in" "${PROJECT_BINARY_DIR}/${name}.rc" @ONLY)
+    endforeach()
+    target_sources(Tarvelline_Standalone PRIVATE "${PROJECT_BINARY_DIR}/icon.rc")
 endif()
 
 if(TARGET Tarvelline_LV2)

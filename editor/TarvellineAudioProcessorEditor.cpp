@@ -89,9 +89,12 @@ TarvellineAudioProcessorEditor::~TarvellineAudioProcessorEditor() { stopTimer();
 /** All text is in the display face where the system has no font at all; it would not be drawn otherwise. */
 void TarvellineAudioProcessorEditor::chooseTypeface()
 {
-    if (juce::Font::findAllTypefaceNames().isEmpty())
-        juce::LookAndFeel::getDefaultLookAndFeel().setDefaultSansSerifTypeface (
-            controls.pitchDial.getDialFont().getTypefacePtr());
+    const auto displayFace = controls.pitchDial.getDialFont().getTypefacePtr();
+    auto installed = juce::Font::findAllTypefaceNames();
+    installed.removeString (displayFace->getName()); // from JUCE 8 on it is listed as well
+
+    if (installed.isEmpty())
+        juce::LookAndFeel::getDefaultLookAndFeel().setDefaultSansSerifTypeface (displayFace);
 }
 
 void TarvellineAudioProcessorEditor::showProcessorState()

@@ -32,23 +32,9 @@ HWY_INLINE hn::Vec<D> alternatingGuard (D d, std::size_t j)
     return hn::Or (hn::Set (d, denormalGuard), hn::BitCast (d, sign));
 }
 
-void ReadStraight (const WindowedRead& given)
+void ReadStretched (const StretchedRead& given)
 {
     const auto job = given; // a copy, which no store into a buffer can change: it stays in registers
-
-    for (std::size_t c = 0; c < job.channelCount; ++c)
-        forEachVector (0, job.length,
-                       [=] (auto d, std::size_t j) HWY_ATTR
-                       {
-                           const auto sample =
-                               hn::Mul (hn::LoadU (d, job.inputs[c] + j), hn::LoadU (d, job.window + j));
-                           hn::StoreU (hn::Add (sample, alternatingGuard (d, j)), d, job.frames[c] + j);
-                       });
-}
-
-void ReadStretched (const WindowedRead& given)
-{
-    const auto job = given;
     const auto limit = static_cast<float> (job.length);
 
     forEachVector (0, job.length,
@@ -105,9 +91,9 @@ HWY_INLINE std::uint64_t measureWord (const AnalysisBins& bins, std::size_t star
                        }
 
                        const auto previous = hn::LoadU (d, bins.sum + k);
-                       const auto rise = hn::Div (sum, hn::Add (previous, hn::Set (d, denormalGuard)));
-                       const auto steady = hn::And (hn::Ge (previous, hn::Set (d, onsetFloor)),
-                                                    hn::Le (rise, hn::LoadU (d, bins.onsetThreshold + k)));
+                       const auto loudest = hn::Mul (hn::Add (previous, hn::Set (d, denormalGuard)),
+                                                     hn::LoadU (d, bins.onsetThreshold + k));
+                       const auto steady = hn::And (hn::Ge (previous, hn::Set (d, onsetFloor)), hn::Le (sum, loudest));
                        stable |= bitsOf (d, steady) << (k - start);
                        hn::StoreU (sum, d, bins.sum + k);
                    });
@@ -186,15 +172,13 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace tarvelline
 {
-HWY_EXPORT (ReadStraight);
 HWY_EXPORT (ReadStretched);
 HWY_EXPORT (MeasureBins);
 HWY_EXPORT (AdvancePhases);
 
 namespace kernels
 {
-void readStraight (const WindowedRead& job) noexcept { HWY_DYNAMIC_DISPATCH (ReadStraight) (job); }
-void readStretched (const WindowedRead& job) noexcept { HWY_DYNAMIC_DISPATCH (ReadStretched) (job); }
+void readStretched (const StretchedRead& job) noexcept { HWY_DYNAMIC_DISPATCH (ReadStretched) (job); }
 
 void measureBins (const AnalysisBins& bins, BinMasks& masks) noexcept
 {

@@ -33,8 +33,8 @@ struct AnalysisBins
     float* lockCount; // whole numbers, 0 = phase reset
 };
 
-/** What a frame is made of. */
-struct WindowedRead
+/** What a frame is made of that is read between the samples. */
+struct StretchedRead
 {
     std::array<const float*, 2> inputs; // N + 1 samples and readAhead
     std::array<float*, 2> frames;
@@ -44,11 +44,9 @@ struct WindowedRead
     std::size_t length;  // N
 };
 
-/** frame[j] = input[j] * window[j], with a trace of alternating sign that keeps silence off zero. */
-void readStraight (const WindowedRead&) noexcept;
-
-/** The same, reading between the samples: at j * ratios[j], nothing from N on. */
-void readStretched (const WindowedRead&) noexcept;
+/** frame[j] = input[j * ratios[j]] * window[j], nothing from input[N] on, with a trace of alternating sign that keeps silence
+    off zero. */
+void readStretched (const StretchedRead&) noexcept;
 
 /** Magnitudes, their sum over channels, which bins are reset because they rose, and what the sums do from bin to bin. */
 void measureBins (const AnalysisBins&, BinMasks&) noexcept;

@@ -102,6 +102,11 @@ public:
 
     HWY_INLINE V operator() (const float* frame) const
     {
+    #if HWY_TARGET != HWY_SCALAR
+        if constexpr (hn::MaxLanes (D()) == 4)
+            return betweenNeighbours (frame);
+    #endif
+
         return between (truncated (frame), hn::GatherIndex (D(), frame + 1, index));
     }
 
@@ -113,6 +118,21 @@ protected:
 
     hn::Vec<DI> index;
     V fraction;
+
+    #if HWY_TARGET != HWY_SCALAR
+private:
+    /** A sample and its neighbour in one load: half as many. */
+    HWY_INLINE V betweenNeighbours (const float* frame) const
+    {
+        const D d;
+        const hn::Half<D> dPair;
+        alignas (16) std::int32_t at[4];
+        hn::Store (index, DI(), at);
+        const auto pair = [&] (int lane) HWY_ATTR { return hn::LoadU (dPair, frame + at[lane]); };
+        const auto low = hn::Combine (d, pair (1), pair (0)), high = hn::Combine (d, pair (3), pair (2));
+        return between (hn::ConcatEven (d, high, low), hn::ConcatOdd (d, high, low));
+    }
+    #endif
 };
 
     #if HWY_TARGET != HWY_SCALAR

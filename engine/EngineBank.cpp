@@ -72,11 +72,11 @@ void EngineBank::rebuildEngines()
 
     const auto resources = std::make_shared<EngineResources> (frameSize, sampleRate * choice.scalePerHz, sampleRate);
 
-    for (auto& engine : engines)
+    for (std::size_t i = 0; i < engines.size(); ++i)
     {
         auto fresh = std::make_unique<PitchShiftEngine>();
-        fresh->prepare (resources);
-        engine = std::move (fresh);
+        fresh->prepare (resources, static_cast<float> (i + 1) / static_cast<float> (engines.size() + 1));
+        engines[i] = std::move (fresh);
     }
 
     ready = true;

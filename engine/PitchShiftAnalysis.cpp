@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The analysis frame: what the input holds now, bin by bin, and how far each bin's phase has moved since the last frame.
 #include "engine/PitchShiftEngine.h"
+#include "engine/Spectrum.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tarvelline
 {
 void PitchShiftEngine::analyseFrame() noexcept
 {
-    readWindowedInput();
-
-    for (int c = 0; c < channelCount; ++c)
-        resources->transform.forward (resources->low[static_cast<std::size_t> (c)].data());
+    transformWindowedInput();
 
     const auto bins = analysisBins();
     auto& masks = resources->masks; // of all channels: they reset together and the stereo image holds
@@ -20,27 +19,48 @@ void PitchShiftEngine::analyseFrame() noexcept
     kernels::advancePhases (bins, masks.resets);
 
     analysedBins = geometry.activeBins;
-    appliedFormantRatio = formantRatio;
+    appliedFormantRatio = postponedAnalysis.formantRatio;
 
-    if (formantRatio != 1.0f)
+    if (appliedFormantRatio != 1.0f)
         warpEnvelope();
 }
 
-void PitchShiftEngine::readWindowedInput() noexcept
+void PitchShiftEngine::transformWindowedInput() noexcept
 {
+    const auto stretched = appliedRatio < 1.0f;
+
+    if (stretched)
+        readStretchedInput();
+
+    for (std::size_t c = 0; c < static_cast<std::size_t> (channelCount); ++c)
+    {
+        const auto* samples = channelState[c].inRing.data() + postponedAnalysis.start;
+        auto* frame = resources->low[c].data();
+
+        if (stretched)
+            resources->transform.forward (frame);
+        else
+            resources->transform.forward ({ samples, resources->tables.wideWindow.data(), denormalGuard }, frame);
+    }
+}
+
+void PitchShiftEngine::readStretchedInput() noexcept
+{
+    const auto start = static_cast<std::size_t> (postponedAnalysis.start),
+               end = start + static_cast<std::size_t> (frameSize);
     auto &left = channelState[0].inRing, &right = channelState[1].inRing;
     auto& frames = resources->low;
-    const kernels::WindowedRead job { .inputs = { left.data() + position, right.data() + position },
-                                      .frames = { frames[0].data(), frames[1].data() },
-                                      .channelCount = static_cast<std::size_t> (channelCount),
-                                      .window = resources->tables.wideWindow.data(),
-                                      .ratios = ratioHistory.data() + position,
-                                      .length = static_cast<std::size_t> (frameSize) };
 
-    if (appliedRatio < 1.0f)
-        kernels::readStretched (job);
-    else
-        kernels::readStraight (job);
+    // The sample after the last one is the first again. What stands there belongs to another frame.
+    const auto leftNext = std::exchange (left[end], left[start]), rightNext = std::exchange (right[end], right[start]);
+    kernels::readStretched ({ .inputs = { left.data() + start, right.data() + start },
+                              .frames = { frames[0].data(), frames[1].data() },
+                              .channelCount = static_cast<std::size_t> (channelCount),
+                              .window = resources->tables.wideWindow.data(),
+                              .ratios = ratioHistory.data() + start,
+                              .length = static_cast<std::size_t> (frameSize) });
+    left[end] = leftNext;
+    right[end] = rightNext;
 }
 
 kernels::AnalysisBins PitchShiftEngine::analysisBins() noexcept

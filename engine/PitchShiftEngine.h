@@ -7,6 +7,7 @@
 #include "engine/Geometry.h"
 #include "engine/RealTime.h"
 #include "engine/SpanWindows.h"
+#include "engine/SynthesisKernels.h"
 
 #include <array>
 #include <memory>
@@ -36,7 +37,8 @@ struct EngineRun
     Latency: N samples, whatever the ratio. Gain: about 1.04 on a steady signal at ratio 1.
     Threads: prepare() and reset() while audio is stopped; setRatios() and process() on the audio thread.
     Real time: processing never allocates, locks or throws. A sample costs O(channels), and once a hop there are one
-            forward or two inverse transforms a channel; all memory comes from prepare().
+            forward or two inverse transforms a channel; all memory comes from prepare(). What is not heard at once may
+            wait for up to a hop, so that engines whose frames fall on the same sample take turns.
     Errors: none reported. Ratios are clamped; processing unprepared is a caller's fault (asserted). A sample
             that is subnormal, not finite or beyond +-1e4 counts as 0.
 
@@ -56,8 +58,9 @@ public:
         @param sampleRate      Hz */
     void prepare (int frameLength, float frequencyScale, float sampleRate);
 
-    /** The same with what it shares with other engines of that frame length and rate. */
-    void prepare (std::shared_ptr<EngineResources> shared);
+    /** The same with what it shares with other engines of that frame length and rate.
+        @param waitingShare  0 .. 1: how long work waits, of the time that it may; it makes no difference to the sound */
+    void prepare (std::shared_ptr<EngineResources> shared, float waitingShare = 0.0f);
 
     /** Clears all signal state, keeps ratios and memory. */
     void reset() noexcept;
@@ -72,11 +75,33 @@ public:
 private:
     struct Channel
     {
-        AlignedVector<float> inRing;    // 2 N: every sample twice, N apart, so that a frame is one run; and readAhead
+        AlignedVector<float> inRing;    // 2 ringLength: every sample twice, so that a frame is one run; and readAhead
         AlignedVector<float> outRing;   // N
         AlignedVector<float> magnitude; // K: of the last analysis frame
         AlignedVector<float> shapedMagnitude;                  // K: with the envelope warped
         AlignedVector<float> advance, lastPhasor, synthPhasor; // N: unit phasors, pair layout
+    };
+
+    /** Work that has fallen due, and waits. */
+    struct Postponed
+    {
+        bool waits = false;
+        int samples = 0; // for so many more, and to the end of the run that they are in
+    };
+
+    /** A frame to be analysed. */
+    struct PostponedAnalysis : Postponed
+    {
+        int start = 0; // in inRing and ratioHistory
+        float formantRatio = 1.0f;
+    };
+
+    /** What is left to do of a synthesis frame once its low band sounds: the high one is heard from its middle on. */
+    struct PostponedHighBand : Postponed
+    {
+        std::array<kernels::SynthesisBins, maxChannels> bins {};
+        kernels::OverlapAdd overlapAdd {};
+        bool isCompressed = false;
     };
 
     // Samples in and out (PitchShiftEngine.cpp)
@@ -85,19 +110,27 @@ private:
     void writeInput (Channel&, const float* samples, int count) noexcept;
     void readOutput (const Channel&, float* samples, int count) const noexcept;
     void advance (int samples) noexcept;
+    int waitOf (int longest) const noexcept;
+    void postponeAnalysis() noexcept;
+    void finishAnalysis() noexcept;
+    void finishPostponed() noexcept;
     void updateRatio() noexcept;
     void clearOutput (int firstOffset, int endOffset) noexcept;
 
     // Analysis frame (PitchShiftAnalysis.cpp)
     void analyseFrame() noexcept;
-    void readWindowedInput() noexcept;
+    void transformWindowedInput() noexcept;
+    void readStretchedInput() noexcept;
     void warpEnvelope() noexcept;
     kernels::AnalysisBins analysisBins() noexcept;
 
     // Synthesis frame (PitchShiftSynthesis.cpp)
-    void synthesiseFrame() noexcept;
-    void turnPhasors (std::size_t channel, int lowBins) noexcept;
-    void overlapAdd() noexcept;
+    void synthesiseLowBand() noexcept;
+    void postponeHighBand() noexcept;
+    void finishHighBand() noexcept;
+    bool isCompressed() const noexcept;
+    kernels::SynthesisBins synthesisBins (std::size_t channel) noexcept;
+    kernels::OverlapAdd overlapAdd (const std::array<AlignedVector<float>, 2>& frames) noexcept;
 
     int frameSize = 0; // N
     int binCount = 0;  // K
@@ -106,11 +139,16 @@ private:
     float requestedRatio = 1.0f, appliedRatio = 1.0f; // the geometry is that of the applied one
     float formantRatio = 1.0f, appliedFormantRatio = 1.0f;
 
-    int position = 0;                              // in all rings: the oldest sample, and the next
+    int ringLength = 0;                // of inRing and ratioHistory: N, and a hop for which a frame may wait
+    int position = 0, outPosition = 0; // in these, and in outRing: the oldest sample, and the next
     int analysisCounter = 0, synthesisCounter = 0; // samples since the last frame
     int channelCount = maxChannels;
 
-    AlignedVector<float> ratioHistory; // 2 N, as inRing: the ratio asked for at every input position
+    float waitingShare = 0.0f;
+    PostponedAnalysis postponedAnalysis;
+    PostponedHighBand postponedHighBand;
+
+    AlignedVector<float> ratioHistory; // 2 ringLength, as inRing: the ratio asked for at every input position
     int unityRun = 0;                  // samples, at most N, for which that ratio has been exactly 1
     AlignedVector<float> lockCount;    // K: frames for which a bin has stayed stable; 0 = phase reset
     AlignedVector<float> magnitudeSum; // K: over channels, in the last analysis frame

@@ -46,9 +46,9 @@ void SpanWindows::prepare (const EngineTables& windowTables, int frameLength)
     tables = &windowTables;
     span = frameSize = frameLength;
     wideOverSpan.resize (static_cast<std::size_t> (frameLength));
-    narrowOverSpan.resize (static_cast<std::size_t> (frameLength));
     narrowStart = tables->narrowStart;
     narrowEnd = tables->narrowEnd;
+    narrowOverSpan.resize (static_cast<std::size_t> (narrowEnd - narrowStart) + 1);
 }
 
 void SpanWindows::layOver (int newSpan, float* scratch) noexcept
@@ -72,8 +72,8 @@ void SpanWindows::layOver (int newSpan, float* scratch) noexcept
     const auto inner = static_cast<std::size_t> (narrowStart), outer = static_cast<std::size_t> (narrowEnd);
     const auto lay = [=, this] (const auto& table, auto& window, std::size_t from, std::size_t end)
     {
-        kernels::takeEntries (table.data(), static_cast<std::size_t> (frameSize) + 1, scratch + from,
-                              window.data() + from, end - from);
+        kernels::takeEntries (table.data(), static_cast<std::size_t> (frameSize) + 1, scratch + from, window.data(),
+                              end - from);
     };
     lay (tables->wideWindow, wideOverSpan, 0, static_cast<std::size_t> (span));
     lay (tables->narrowWindow, narrowOverSpan, inner, outer);

@@ -19,12 +19,16 @@ public:
         @param scratch  at least N floats */
     void layOver (int span, float* scratch) noexcept;
 
-    // At each output sample
+    /** At each output sample. */
     const float* wide() const noexcept { return isWhole() ? tables->wideWindow.data() : wideOverSpan.data(); }
-    const float* narrow() const noexcept { return isWhole() ? tables->narrowWindow.data() : narrowOverSpan.data(); }
 
-    // Where the narrow one is not 0
-    int narrowStart = 0, narrowEnd = 0;
+    /** From `narrowStart` up to `narrowEnd`, outside which it is 0. */
+    const float* narrow() const noexcept
+    {
+        return isWhole() ? tables->narrowWindow.data() + narrowStart : narrowOverSpan.data();
+    }
+
+    int narrowStart = 0, narrowEnd = 0; // output samples
 
 private:
     bool isWhole() const noexcept { return span == frameSize; }

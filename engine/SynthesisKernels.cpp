@@ -20,63 +20,91 @@ using namespace kernels;
 
 namespace
 {
-/** Turns the phasors of the vector at bin k, and gives each band its share of them. */
-template <bool inBothBands, class D>
-HWY_INLINE void turnPhasorsAt (D d, const SynthesisBins& bins, std::size_t k)
+/** The phasors of the vector at bin k, turned on. */
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE Complex<V> turnedPhasor (D d, const SynthesisBins& bins, std::size_t k)
 {
-    const auto half = bins.binCount;
-    const auto running = pairs (bins.phasor, half);
+    const auto running = pairs (bins.phasor, bins.binCount);
     const auto count = hn::LoadU (d, bins.lockCount + k);
-    const Complex advance { hn::LoadU (d, bins.advance + k), hn::LoadU (d, bins.advance + half + k) };
+    const Complex advance { hn::LoadU (d, bins.advance + k), hn::LoadU (d, bins.advance + bins.binCount + k) };
     auto phasor = choose (hn::Eq (count, hn::Zero (d)), advance, load (d, running, k) * advance);
     phasor = normalisedWhere (d, hn::Eq (count, hn::Set (d, static_cast<float> (renormaliseSynthesisAt))), phasor);
     store (d, phasor, running, k);
-
-    const auto storeBand = [&] (auto gain, float* band) HWY_ATTR {
-        store (d, Complex { hn::Mul (phasor.re, gain), hn::Mul (phasor.im, gain) }, pairs (band, half), k);
-    };
-    const auto gain = hn::Mul (hn::Set (d, bins.gain), hn::LoadU (d, bins.magnitude + k));
-
-    if constexpr (inBothBands)
-    {
-        const auto lowGain = hn::Mul (gain, hn::LoadU (d, bins.lowBandWeight + k));
-        storeBand (lowGain, bins.low);
-        storeBand (hn::Sub (gain, lowGain), bins.high);
-    }
-    else
-    {
-        storeBand (gain, bins.high);
-    }
+    return phasor;
 }
 
-void TurnPhasors (const SynthesisBins& given)
+template <class D>
+HWY_INLINE hn::Vec<D> gainAt (D d, const SynthesisBins& bins, std::size_t k)
+{
+    return hn::Mul (hn::Set (d, bins.gain), hn::LoadU (d, bins.magnitude + k));
+}
+
+template <class D>
+HWY_INLINE hn::Vec<D> lowGainAt (D d, const SynthesisBins& bins, std::size_t k)
+{
+    return hn::Mul (gainAt (d, bins, k), hn::LoadU (d, bins.lowBandWeight + k));
+}
+
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE void storeBand (D d, const Complex<V>& phasor, V gain, float* band, const SynthesisBins& bins, std::size_t k)
+{
+    store (d, Complex<V> { hn::Mul (phasor.re, gain), hn::Mul (phasor.im, gain) }, pairs (band, bins.binCount), k);
+}
+
+void TurnLowBand (const SynthesisBins& given)
 {
     const auto bins = given; // a copy, which no store into a buffer can change: it stays in registers
-    forEachVector (0, bins.lowBins, [=] (auto d, std::size_t k) HWY_ATTR { turnPhasorsAt<true> (d, bins, k); });
-    forEachVector (bins.lowBins, bins.activeBins,
-                   [=] (auto d, std::size_t k) HWY_ATTR { turnPhasorsAt<false> (d, bins, k); });
+    forEachVector (0, bins.lowBins,
+                   [=] (auto d, std::size_t k) HWY_ATTR
+                   { storeBand (d, turnedPhasor (d, bins, k), lowGainAt (d, bins, k), bins.low, bins, k); });
 }
 
-/** Takes the frames' samples as they are. Of the low band those that would lie beyond the frame are left out. */
+void TurnHighBand (const SynthesisBins& given)
+{
+    const auto bins = given;
+    forEachVector (0, bins.lowBins,
+                   [=] (auto d, std::size_t k) HWY_ATTR
+                   {
+                       const auto rest = hn::Sub (gainAt (d, bins, k), lowGainAt (d, bins, k));
+                       storeBand (d, load (d, pairs (bins.phasor, bins.binCount), k), rest, bins.high, bins, k);
+                   });
+    forEachVector (bins.lowBins, bins.activeBins,
+                   [=] (auto d, std::size_t k) HWY_ATTR
+                   { storeBand (d, turnedPhasor (d, bins, k), gainAt (d, bins, k), bins.high, bins, k); });
+}
+
+/** Takes the frame's samples as they are. */
 template <class D>
-class StraightReader
+class WholeReader
 {
 public:
-    HWY_INLINE StraightReader (D, const OverlapAdd& job, std::size_t sample)
-        : inside (hn::Lt (positionOf (D(), sample, job.ratios), hn::Set (D(), static_cast<float> (job.length)))),
-          j (sample)
-    {
-    }
+    HWY_INLINE WholeReader (D, const OverlapAdd&, std::size_t sample) : j (sample) {}
 
-    HWY_INLINE hn::Vec<D> low (const float* frame) const { return hn::IfThenElseZero (inside, high (frame)); }
-    HWY_INLINE hn::Vec<D> high (const float* frame) const { return hn::LoadU (D(), frame + j); }
+    HWY_INLINE hn::Vec<D> operator() (const float* frame) const { return hn::LoadU (D(), frame + j); }
 
 private:
-    hn::Mask<D> inside;
     std::size_t j;
 };
 
-/** Reads the frames between their samples, at j times the ratio; beyond the frame there is nothing. */
+/** The same, without those that would lie beyond the frame. */
+template <class D>
+class StretchedReader
+{
+public:
+    HWY_INLINE StretchedReader (D d, const OverlapAdd& job, std::size_t sample)
+        : inside (hn::Lt (positionOf (d, sample, job.ratios), hn::Set (d, static_cast<float> (job.length)))),
+          read (d, job, sample)
+    {
+    }
+
+    HWY_INLINE hn::Vec<D> operator() (const float* frame) const { return hn::IfThenElseZero (inside, read (frame)); }
+
+private:
+    hn::Mask<D> inside;
+    WholeReader<D> read;
+};
+
+/** Reads the frame between its samples, at j times the ratio; beyond the frame there is nothing. */
 template <class D>
 class CompressedReader
 {
@@ -86,8 +114,7 @@ public:
     {
     }
 
-    HWY_INLINE hn::Vec<D> low (const float* frame) const { return hn::IfThenElseZero (inside, read (frame)); }
-    HWY_INLINE hn::Vec<D> high (const float* frame) const { return low (frame); }
+    HWY_INLINE hn::Vec<D> operator() (const float* frame) const { return hn::IfThenElseZero (inside, read (frame)); }
 
 private:
     HWY_INLINE CompressedReader (D d, hn::Vec<D> position, float length)
@@ -103,25 +130,25 @@ private:
 struct Stretch
 {
     std::size_t from, end, offset;
-    bool adds, narrow; // to what is there; in both bands
+    bool adds; // to what is there
 };
 
-/** Calls take (Stretch) for the stretches between the ring's end, the end of the overlap and the ends of the narrow window. */
+/** Calls take (Stretch) for the stretches between the ring's end and the end of the overlap. */
 template <typename Take>
 HWY_INLINE void forEachStretch (const OverlapAdd& job, const Take& take)
 {
     const auto wrap = job.length - job.ringStart; // the output sample that goes to the ring's first place
 
-    for (std::size_t from = 0; from < job.span;)
+    for (auto from = job.from; from < job.end;)
     {
-        auto end = job.span;
+        auto end = job.end;
 
-        for (const auto boundary : { wrap, job.overlap, job.narrowStart, job.narrowEnd })
+        for (const auto boundary : { wrap, job.overlap })
             if (boundary > from)
                 end = std::min (end, boundary);
 
         const auto offset = from < wrap ? job.ringStart : job.ringStart - job.length; // unsigned: j + offset is right
-        take (Stretch { from, end, offset, from < job.overlap, from >= job.narrowStart && from < job.narrowEnd });
+        take (Stretch { from, end, offset, from < job.overlap });
         from = end;
     }
 }
@@ -138,29 +165,25 @@ HWY_INLINE void addFrames (const OverlapAdd& given)
                                        [=] (auto d, std::size_t j) HWY_ATTR
                                        {
                                            const Reader<decltype (d)> read (d, job, j);
+                                           const auto window = hn::LoadU (d, job.window + (j - job.from));
 
                                            for (std::size_t c = 0; c < job.channelCount; ++c)
                                            {
                                                const auto& channel = job.channels[c];
                                                auto* place = channel.ring + (j + stretch.offset);
-                                               auto value =
-                                                   hn::Mul (read.low (channel.low), hn::LoadU (d, job.wide + j));
-
-                                               if (stretch.narrow)
-                                                   value = hn::MulAdd (read.high (channel.high),
-                                                                       hn::LoadU (d, job.narrow + j), value);
-
-                                               if (stretch.adds)
-                                                   value = hn::Add (value, hn::LoadU (d, place));
-
-                                               hn::StoreU (value, d, place);
+                                               const auto value = read (channel.frame);
+                                               hn::StoreU (stretch.adds
+                                                               ? hn::MulAdd (value, window, hn::LoadU (d, place))
+                                                               : hn::Mul (value, window),
+                                                           d, place);
                                            }
                                        });
                     });
 }
 
 void OverlapAddCompressed (const OverlapAdd& job) { addFrames<CompressedReader> (job); }
-void OverlapAddStraight (const OverlapAdd& job) { addFrames<StraightReader> (job); }
+void OverlapAddStretched (const OverlapAdd& job) { addFrames<StretchedReader> (job); }
+void OverlapAddWhole (const OverlapAdd& job) { addFrames<WholeReader> (job); }
 
 void TakeEntries (const float* table, std::size_t length, const float* indices, float* entries, std::size_t count)
 {
@@ -180,16 +203,20 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace tarvelline
 {
-HWY_EXPORT (TurnPhasors);
+HWY_EXPORT (TurnLowBand);
+HWY_EXPORT (TurnHighBand);
 HWY_EXPORT (OverlapAddCompressed);
-HWY_EXPORT (OverlapAddStraight);
+HWY_EXPORT (OverlapAddStretched);
+HWY_EXPORT (OverlapAddWhole);
 HWY_EXPORT (TakeEntries);
 
 namespace kernels
 {
-void turnPhasors (const SynthesisBins& bins) noexcept { HWY_DYNAMIC_DISPATCH (TurnPhasors) (bins); }
+void turnLowBand (const SynthesisBins& bins) noexcept { HWY_DYNAMIC_DISPATCH (TurnLowBand) (bins); }
+void turnHighBand (const SynthesisBins& bins) noexcept { HWY_DYNAMIC_DISPATCH (TurnHighBand) (bins); }
 void overlapAddCompressed (const OverlapAdd& job) noexcept { HWY_DYNAMIC_DISPATCH (OverlapAddCompressed) (job); }
-void overlapAddStraight (const OverlapAdd& job) noexcept { HWY_DYNAMIC_DISPATCH (OverlapAddStraight) (job); }
+void overlapAddStretched (const OverlapAdd& job) noexcept { HWY_DYNAMIC_DISPATCH (OverlapAddStretched) (job); }
+void overlapAddWhole (const OverlapAdd& job) noexcept { HWY_DYNAMIC_DISPATCH (OverlapAddWhole) (job); }
 
 void takeEntries (const float* table, std::size_t length, const float* indices, float* entries,
                   std::size_t count) noexcept

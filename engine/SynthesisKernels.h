@@ -21,34 +21,40 @@ struct SynthesisBins
     float gain;
 };
 
-/** Turns each phasor on by its advance, or sets it to it where the bin is reset, and makes the two bands' spectra. */
-void turnPhasors (const SynthesisBins&) noexcept;
+/** Turns each phasor of the low band on by its advance, or sets it to it where the bin is reset, and makes the low band's
+    spectrum. */
+void turnLowBand (const SynthesisBins&) noexcept;
 
-/** Two frames of N samples a channel, one entry more to interpolate into and readAhead, on their way into a ring of N. */
+/** The same for all other phasors, and the high band's spectrum of all of them: call it after turnLowBand(). */
+void turnHighBand (const SynthesisBins&) noexcept;
+
+/** A frame of N samples a channel, one entry more to interpolate into and readAhead, on its way into a ring of N. */
 struct OverlapAdd
 {
     struct Channel
     {
-        const float *low, *high;
+        const float* frame;
         float* ring;
     };
 
     std::array<Channel, 2> channels;
-    std::size_t channelCount;           // 1 or 2
-    const float* ratios;                // of each output sample: it is read at j * ratio, if that is inside the frame
-    const float *wide, *narrow;         // the bands' windows at each output sample
-    std::size_t narrowStart, narrowEnd; // outside these the narrow window is 0
-    std::size_t length;                 // N
-    std::size_t span;                   // output samples
-    std::size_t overlap;                // of them, those that earlier frames reach: added to, the others replaced
-    std::size_t ringStart;              // where output sample 0 goes
+    std::size_t channelCount; // 1 or 2
+    const float* ratios;      // of each output sample
+    const float* window;      // at each output sample from `from` on
+    std::size_t from, end;    // output samples
+    std::size_t length;       // N
+    std::size_t overlap;      // of the output samples, those that earlier frames reach: added to, the others replaced
+    std::size_t ringStart;    // where output sample 0 goes
 };
 
-/** Reads the frames between their samples. */
+/** Reads the frame between its samples: at j * ratio, where that is inside the frame. */
 void overlapAddCompressed (const OverlapAdd&) noexcept;
 
-/** Takes the frames' samples as they are; only the low band asks whether j * ratio is inside the frame. */
-void overlapAddStraight (const OverlapAdd&) noexcept;
+/** Takes the frame's samples as they are, where j * ratio is inside the frame. */
+void overlapAddStretched (const OverlapAdd&) noexcept;
+
+/** Takes all of the frame's samples as they are. */
+void overlapAddWhole (const OverlapAdd&) noexcept;
 
 /** entries[j] = table[index j, truncated]; `length` entries of the table are used, and readAhead more may be touched. */
 void takeEntries (const float* table, std::size_t length, const float* indices, float* entries,

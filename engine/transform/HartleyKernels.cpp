@@ -28,6 +28,14 @@ inline SplitComplex widePasses (const HartleyTables& tables, SplitComplex from, 
     const auto* turns = tables.middle.data();
     std::size_t stride = 16;
 
+    // The widest vectors, which hold a run of 16 each, gain nothing by it where the nearest cache holds the whole transform.
+    if (half > 1024 || hn::MaxLanes (hn::CappedTag<float, 16>()) < 16)
+    {
+        turns = twoWidePasses (turns, half, from, other);
+        std::swap (from, other);
+        stride = 256;
+    }
+
     for (; half / stride > 8; stride *= 4)
     {
         turns = widePass (turns, half, stride, from, other);
@@ -43,20 +51,45 @@ inline SplitComplex widePasses (const HartleyTables& tables, SplitComplex from, 
     return from;
 }
 
+/** Takes the samples from 2 t on as complex ones. */
+struct PlainSource
+{
+    template <class D, class V = hn::Vec<D>>
+    HWY_INLINE Complex<V> operator() (D d, std::size_t t) const
+    {
+        Complex<V> z;
+        hn::LoadInterleaved2 (d, samples + 2 * t, z.re, z.im);
+        return z;
+    }
+
+    const float* samples;
+};
+
+/** The same of the product with a window, and with the offset. */
+struct WindowedSource
+{
+    template <class D, class V = hn::Vec<D>>
+    HWY_INLINE Complex<V> operator() (D d, std::size_t t) const
+    {
+        const auto offset = hn::Set (d, input.offset);
+        const auto samples = PlainSource { input.samples }(d, t), window = PlainSource { input.window }(d, t);
+        return { hn::Sub (hn::Mul (samples.re, window.re), offset), hn::Add (hn::Mul (samples.im, window.im), offset) };
+    }
+
+    WindowedInput input;
+};
+
 /** The first pass of the way there: even samples real, odd ones imaginary. */
-inline void deinterleavingPass (const HartleyTables& tables, const float* data, SplitComplex to)
+template <class Source>
+HWY_NOINLINE void deinterleavingPass (const HartleyTables& tables, const Source& source, SplitComplex to)
 {
     const hn::CappedTag<float, 16> d;
     const auto quarter = static_cast<std::size_t> (tables.length) / 8;
 
     for (std::size_t t = 0; t < quarter; t += hn::Lanes (d))
     {
-        Complex<hn::Vec<decltype (d)>> rows[4];
-
-        for (std::size_t r = 0; r < 4; ++r)
-            hn::LoadInterleaved2 (d, data + 2 * (t + r * quarter), rows[r].re, rows[r].im);
-
-        FourPoints points (rows[0], rows[1], rows[2], rows[3]);
+        FourPoints points (source (d, t), source (d, t + quarter), source (d, t + 2 * quarter),
+                           source (d, t + 3 * quarter));
         turnByElement (d, points, tables.first.data(), quarter, t);
         storeFirst (d, points, to, t);
     }
@@ -112,15 +145,26 @@ inline void splittingPass (const HartleyTables& tables, SplitComplex from, float
     }
 }
 
-void Forward (const HartleyTables& tables, float* data, float* scratch)
+template <class Source>
+void forwardFrom (const HartleyTables& tables, const Source& source, float* data, float* scratch)
 {
     const auto half = static_cast<std::size_t> (tables.length) / 2;
     const SplitComplex outside { data, data + half }, inside { scratch, scratch + half };
-    deinterleavingPass (tables, data, inside);
+    deinterleavingPass (tables, source, inside);
     secondPass<everyRow> (tables, inside, outside);
     const auto result = widePasses (tables, outside, inside);
     splitFirstElement (tables, result, data);
     splittingPass (tables, result, data);
+}
+
+void Forward (const HartleyTables& tables, float* data, float* scratch)
+{
+    forwardFrom (tables, PlainSource { data }, data, scratch);
+}
+
+void ForwardWindowed (const HartleyTables& tables, const WindowedInput& input, float* data, float* scratch)
+{
+    forwardFrom (tables, WindowedSource { input }, data, scratch);
 }
 
 template <class V>
@@ -281,6 +325,7 @@ HWY_AFTER_NAMESPACE();
 namespace tarvelline
 {
 HWY_EXPORT (Forward);
+HWY_EXPORT (ForwardWindowed);
 HWY_EXPORT (Inverse);
 
 void chooseInstructionSet() { hwy::GetChosenTarget().Update (hwy::SupportedTargets()); }
@@ -288,6 +333,11 @@ void chooseInstructionSet() { hwy::GetChosenTarget().Update (hwy::SupportedTarge
 void hartleyForward (const HartleyTables& tables, float* data, float* scratch) noexcept
 {
     HWY_DYNAMIC_DISPATCH (Forward) (tables, data, scratch);
+}
+
+void hartleyForward (const HartleyTables& tables, const WindowedInput& input, float* data, float* scratch) noexcept
+{
+    HWY_DYNAMIC_DISPATCH (ForwardWindowed) (tables, input, data, scratch);
 }
 
 void hartleyInverse (const HartleyTables& tables, float* data, std::size_t bins, float* scratch) noexcept

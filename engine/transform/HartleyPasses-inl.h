@@ -123,33 +123,63 @@ HWY_NOINLINE void secondPass (const HartleyTables& tables, SplitComplex from, Sp
     }
 }
 
-/** A pass at a stride of 16 or more: runs of `stride` elements share their turns. Returns the next pass's turns. */
+/** A run of `stride` elements, 16 or more, which share their turns: from four rows `distance` apart into four side by side. */
+HWY_INLINE void wideRun (const float* turns, SplitComplex from, std::size_t distance, SplitComplex to,
+                         std::size_t stride)
+{
+    const hn::CappedTag<float, 16> d;
+    const auto turn = [&] (std::size_t i) HWY_ATTR {
+        return Complex<decltype (hn::Zero (d))> { hn::Set (d, turns[i]), hn::Set (d, turns[i + 1]) };
+    };
+    const auto w1 = turn (0), w2 = turn (2), w3 = turn (4);
+
+    for (std::size_t q = 0; q < stride; q += hn::Lanes (d))
+    {
+        auto points = loadRows (d, from, q, distance);
+        points.turn (w1, w2, w3);
+        store (d, points.y0, to, q);
+        store (d, points.y1, to, q + stride);
+        store (d, points.y2, to, q + 2 * stride);
+        store (d, points.y3, to, q + 3 * stride);
+    }
+}
+
+inline SplitComplex operator+ (SplitComplex data, std::size_t elements)
+{
+    return { data.re + elements, data.im + elements };
+}
+
+/** A pass at a stride of 16 or more. Returns the next pass's turns. */
 HWY_NOINLINE const float* widePass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from,
                                     SplitComplex to)
 {
-    const hn::CappedTag<float, 16> d;
-    const auto quarter = half / 4;
-
-    for (std::size_t start = 0; start < quarter; start += stride, turns += 6)
-    {
-        const auto turn = [&] (std::size_t i) HWY_ATTR {
-            return Complex<decltype (hn::Zero (d))> { hn::Set (d, turns[i]), hn::Set (d, turns[i + 1]) };
-        };
-        const auto w1 = turn (0), w2 = turn (2), w3 = turn (4);
-
-        for (std::size_t q = 0; q < stride; q += hn::Lanes (d))
-        {
-            const auto t = start + q, out = 4 * start + q;
-            auto points = loadRows (d, from, t, quarter);
-            points.turn (w1, w2, w3);
-            store (d, points.y0, to, out);
-            store (d, points.y1, to, out + stride);
-            store (d, points.y2, to, out + 2 * stride);
-            store (d, points.y3, to, out + 3 * stride);
-        }
-    }
+    for (std::size_t start = 0; start < half / 4; start += stride, turns += 6)
+        wideRun (turns, from + start, half / 4, to + 4 * start, stride);
 
     return turns;
+}
+
+/** The passes at strides 16 and 64 in one: four runs of the first make one of the second, and stay in the nearest cache. */
+HWY_NOINLINE const float* twoWidePasses (const float* turns, std::size_t half, SplitComplex from, SplitComplex to)
+{
+    constexpr std::size_t stride = 16, next = 4 * stride;
+    const auto runs = half / 4 / next;
+    const auto* nextTurns = turns + 6 * 4 * runs;
+    alignas (64) float between[8 * next];
+    const SplitComplex inside { between, between + 4 * next };
+
+    for (std::size_t run = 0; run < runs; ++run, nextTurns += 6)
+    {
+        for (std::size_t r = 0; r < 4; ++r)
+        {
+            const auto first = run + r * runs;
+            wideRun (turns + 6 * first, from + first * stride, half / 4, inside + r * next, stride);
+        }
+
+        wideRun (nextTurns, inside, next, to + 4 * run * next, next);
+    }
+
+    return nextTurns;
 }
 
 /** A pass of radix 2, where the number of values is not a power of four. */

@@ -11,8 +11,8 @@ namespace tarvelline
     w, w squared and w cubed with w = exp (-2 pi i (t / s) / (M / s)), its twiddle factors. */
 struct HartleyTables
 {
-    static constexpr int shortest = 256; // the shortest length whose passes fill the widest vector
-    static constexpr int longest = 8192; // the frame at the highest rates; a transform's scratch is on the stack
+    static constexpr int shortest = 2048; // the shortest that has passes at strides 16 and 64 between its outer ones
+    static constexpr int longest = 8192;  // the frame at the highest rates; a transform's scratch is on the stack
 
     HartleyTables() = default;
 

@@ -35,6 +35,12 @@ void HartleyTransform::forward (float* data) const noexcept
     hartleyForward (tables, data, scratch.values);
 }
 
+void HartleyTransform::forward (const WindowedInput& input, float* data) const noexcept
+{
+    Scratch scratch;
+    hartleyForward (tables, input, data, scratch.values);
+}
+
 void HartleyTransform::inverse (float* data, int bins) const noexcept
 {
     Scratch scratch;

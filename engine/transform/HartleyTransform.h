@@ -5,6 +5,13 @@
 
 namespace tarvelline
 {
+/** N samples to be multiplied by a window; `offset` is then added to those of odd index and taken off the others. */
+struct WindowedInput
+{
+    const float *samples, *window;
+    float offset;
+};
+
 /** The discrete Hartley transform of real single-precision data, in place.
 
     Definition: H[k] = sum over n of x[n] (cos (2 pi n k / N) + sin (2 pi n k / N)), k = 0 .. N - 1, unscaled. It is its
@@ -42,6 +49,9 @@ public:
         when read as re + i im: turned by 45 degrees and sqrt (2) times as long, which leaves ratios of magnitudes and
         differences of phase exact. data[K], in the pair of bin 0, is the Nyquist term. */
     void forward (float* data) const noexcept;
+
+    /** The same of an input that stands elsewhere. */
+    void forward (const WindowedInput&, float* data) const noexcept;
 
     /** Undoes forward(), times N.
         @param bins  those from here on are taken for 0, whatever stands there. Where they are few, a sixteenth of K or

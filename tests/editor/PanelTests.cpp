@@ -238,7 +238,7 @@ TEST (ReadOut, CoversNothingAndReadsWellAtEverySize)
             const auto text = textsOf (label).at (0);
             EXPECT_EQ (text.text, "0.88");
             EXPECT_GE (text.squeeze, 0.97f);
-            EXPECT_EQ (text.typeface, "Sci Fied 2002");
+            EXPECT_TRUE (text.typeface.startsWith ("Sci Fied 2002")); // Windows adds its style
             EXPECT_EQ (label.getBounds().getCentreX(), knob.getCentreX()) << id;
 
             const auto picture = pictureOf (label);

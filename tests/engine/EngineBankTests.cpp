@@ -80,7 +80,8 @@ TEST (EngineBank, FramesFollowTheSampleRate)
 }
 
 // Catches a voice that takes another's engine, gain or shift, that misses a wheel, an inverted formant ratio, and
-// an engine that runs or is cleared while its voice is off: a note that returns takes up where the slot stopped.
+// an engine that runs or is cleared while its voice is off: a note that returns takes up where the slot stopped. And work
+// that waits for its engine's turn, which none does in an engine alone, and meets the next frame.
 TEST (EngineBank, VoiceModeAddsTheActiveVoicesAtTheirLevels)
 {
     const auto input = material (15000), other = whiteNoise (9999);

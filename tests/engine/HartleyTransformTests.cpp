@@ -22,8 +22,7 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P (Lengths, Hartley,
-                          testing::Combine (testing::Values (256, 512, 1024, 2048, 4096, 8192),
-                                            testing::ValuesIn (instructionSets())),
+                          testing::Combine (testing::Values (2048, 4096, 8192), testing::ValuesIn (instructionSets())),
                           [] (const auto& row)
                           { return std::to_string (std::get<0> (row.param)) + "_" + std::get<1> (row.param); });
 
@@ -54,7 +53,7 @@ TEST_P (Hartley, PairsAreTheFourierCoefficientsAndInverseUndoesThem)
     transform.forward (data.data());
     Samples pairs, expected; // (Re - Im, Re + Im)
 
-    for (std::size_t k = 0; k<half; k += length> 1024 ? 7 : 1) // of the longest lengths a sample of their bins
+    for (std::size_t k = 0; k < half; k += 7) // a sample of the bins
     {
         const auto c = coefficient (k);
         const auto second = k == 0 ? coefficient (half).real() : c.real() + c.imag(); // bin 0 is real: Nyquist's place
@@ -62,7 +61,7 @@ TEST_P (Hartley, PairsAreTheFourierCoefficientsAndInverseUndoesThem)
         pairs.insert (pairs.end(), { data[k], data[half + k] });
     }
 
-    EXPECT_GT (signalToDifferenceDb (pairs, expected), 120.0); // measured: 140 dB at N = 256 to 137 dB at N = 8192
+    EXPECT_GT (signalToDifferenceDb (pairs, expected), 120.0); // measured: 137 dB
 
     transform.inverse (data.data());
 
@@ -75,7 +74,7 @@ TEST_P (Hartley, PairsAreTheFourierCoefficientsAndInverseUndoesThem)
 // A length beyond the scratch, which wrote past the stack where assertions are off.
 TEST (HartleyLengths, AnyOtherIsRefused)
 {
-    for (const auto length : { -256, 0, 1, 128, 3000, 16384 })
+    for (const auto length : { -2048, 0, 1, 1024, 3000, 16384 })
         EXPECT_THROW (HartleyTransform { length }, std::invalid_argument) << length;
 }
 } // namespace tarvelline::test
