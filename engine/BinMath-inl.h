@@ -136,7 +136,7 @@ private:
 };
 
     #if HWY_TARGET != HWY_SCALAR
-/** Where all lanes read within two vectors of the first one's sample, as they do at all ratios up to nearly 2, a few loads
+/** Where all lanes read within two vectors of the first one's sample, as they do at all ratios up to 2, a few loads
     and permutations do for a gather. */
 template <class D>
 class Interpolator<D, true> : public Interpolator<D, false>

@@ -5,7 +5,7 @@
 
 namespace tarvelline
 {
-/** One of the eight notes that can sound at once. Touched by the audio thread only. */
+/** One of the eight notes that can sound at once. Touched by the audio thread alone, and while that rests by who prepares it. */
 struct VoiceSlot
 {
     bool active = false;
