@@ -8,6 +8,7 @@
 #define HWY_TARGET_INCLUDE "engine/transform/HartleyKernels.cpp"
 #include <hwy/foreach_target.h>
 
+#include "engine/transform/HartleyFewBins-inl.h"
 #include "engine/transform/HartleyPasses-inl.h"
 #include "engine/transform/HartleySplit-inl.h"
 
@@ -22,10 +23,8 @@ namespace tarvelline
 namespace HWY_NAMESPACE
 {
 /** The passes from stride 16 on but for the last, from `from`, by way of `other`. Returns which of them holds the result. */
-inline SplitComplex widePasses (const HartleyTables& tables, SplitComplex from, SplitComplex other)
+inline SplitComplex widePasses (const float* turns, std::size_t half, SplitComplex from, SplitComplex other)
 {
-    const auto half = static_cast<std::size_t> (tables.length) / 2;
-    const auto* turns = tables.middle.data();
     std::size_t stride = 16;
 
     // The widest vectors, which hold a run of 16 each, gain nothing by it where the nearest cache holds the whole transform.
@@ -151,8 +150,8 @@ void forwardFrom (const HartleyTables& tables, const Source& source, float* data
     const auto half = static_cast<std::size_t> (tables.length) / 2;
     const SplitComplex outside { data, data + half }, inside { scratch, scratch + half };
     deinterleavingPass (tables, source, inside);
-    secondPass<everyRow> (tables, inside, outside);
-    const auto result = widePasses (tables, outside, inside);
+    secondPass (tables, inside, outside);
+    const auto result = widePasses (tables.middle.data(), half, outside, inside);
     splitFirstElement (tables, result, data);
     splittingPass (tables, result, data);
 }
@@ -231,32 +230,6 @@ inline void joiningPass (const HartleyTables& tables, const float* data, SplitCo
     }
 }
 
-/** The same where only the elements below `end` are not 0, at most an eighth of them all: of each butterfly's four values
-    one is left. What is written stays within the outer two rows of the next pass; the rest of these becomes 0. */
-inline void sparseJoiningPass (const HartleyTables& tables, const float* data, std::size_t end, SplitComplex to)
-{
-    const hn::CappedTag<float, 16> d;
-    const auto half = static_cast<std::size_t> (tables.length) / 2, quarter = half / 4;
-    const Complex nothing { hn::Zero (d), hn::Zero (d) };
-
-    for (std::size_t t = 1; t < end; t += hn::Lanes (d))
-    {
-        Complex<hn::Vec<decltype (d)>> rows[] { nothing, nothing, nothing, nothing },
-            mirrored[] { nothing, nothing, nothing, nothing };
-        join (d, { hn::LoadU (d, data + t), hn::LoadU (d, data + half + t), hn::Zero (d), hn::Zero (d) },
-              splitterAt (d, tables, t), rows[0], mirrored[3]);
-        mirrored[3] = { hn::Reverse (d, mirrored[3].re), hn::Reverse (d, mirrored[3].im) };
-        firstPassOf (d, tables, rows, to, t);
-        firstPassOf (d, tables, mirrored, to, mirrorOf (d, t, quarter));
-    }
-
-    for (auto* part : { to.re, to.im })
-    {
-        std::fill (part + 4 * end, part + quarter, 0.0f);
-        std::fill (part + 3 * quarter, part + half - 4 * (end - 1), 0.0f);
-    }
-}
-
 /** The last pass of the way back. */
 inline void interleavingPass (const HartleyTables& tables, SplitComplex from, float* data)
 {
@@ -273,47 +246,38 @@ inline void interleavingPass (const HartleyTables& tables, SplitComplex from, fl
     }
 }
 
-/** From `inside` by way of `other`. With few bins the first two passes leave out most of what is 0. */
-SplitComplex inversePasses (const HartleyTables& tables, float* data, std::size_t bins, SplitComplex inside,
-                            SplitComplex other)
+/** The way back of fewer bins than 64, 16 phases at a time. */
+inline void inverseOfFew (const HartleyTables& tables, float* data, std::size_t count, float* scratch)
 {
-    const hn::CappedTag<float, 16> d;
-    const auto half = static_cast<std::size_t> (tables.length) / 2, quarter = half / 4;
-    const auto end = 1 + (bins + hn::Lanes (d) - 2) / hn::Lanes (d) * hn::Lanes (d); // whole vectors from bin 1 on
-    const auto clear = [=] (std::size_t from, std::size_t to)
+    // Real and imaginary parts change places: the passes, which turn forwards, then turn backwards.
+    const SplitComplex inside { scratch, scratch + blockLength };
+    const SplitComplex other = inside + 2 * blockLength, swappedInside { inside.im, inside.re };
+    const auto half = static_cast<std::size_t> (tables.length) / 2, phases = half / fewBins;
+    const FewBins bins (data, half, count);
+
+    for (std::size_t phase = 0; phase < phases; phase += phasesAtOnce)
     {
-        std::fill (data + from, data + to, 0.0f);
-        std::fill (data + half + from, data + half + to, 0.0f);
-    };
-
-    if (bins > 0 && end <= quarter / 4)
-    {
-        clear (bins, end);
-
-        for (std::size_t row = 1; row < 4; ++row) // element 0 reads them
-            clear (row * quarter, row * quarter + 1);
-
-        joinFirstElement (tables, data, inside);
-        sparseJoiningPass (tables, data, end, inside);
-        secondPass<outerRows> (tables, inside, other);
+        spreadOverPhases (tables, bins, phase, swappedInside);
+        spreadingPass (widePasses (tables.block.data(), blockLength, inside, other), phases, data + phase);
     }
-    else
-    {
-        clear (bins, half);
-        joinFirstElement (tables, data, inside);
-        joiningPass (tables, data, inside);
-        secondPass<everyRow> (tables, inside, other);
-    }
+}
 
-    return widePasses (tables, other, inside);
+inline void inverseOfMany (const HartleyTables& tables, float* data, std::size_t bins, float* scratch)
+{
+    const auto length = static_cast<std::size_t> (tables.length), half = length / 2;
+    const SplitComplex inside { scratch + half, scratch }, other { inside.re + length, inside.im + length };
+    std::fill (data + bins, data + half, 0.0f);
+    std::fill (data + half + bins, data + length, 0.0f);
+    joinFirstElement (tables, data, inside);
+    joiningPass (tables, data, inside);
+    secondPass (tables, inside, other);
+    interleavingPass (tables, widePasses (tables.middle.data(), half, other, inside), data);
 }
 
 void Inverse (const HartleyTables& tables, float* data, std::size_t bins, float* scratch)
 {
-    // Real and imaginary parts change places: the passes, which turn forwards, then turn backwards.
-    const auto length = static_cast<std::size_t> (tables.length), half = length / 2;
-    const SplitComplex inside { scratch + half, scratch }, other { inside.re + length, inside.im + length };
-    interleavingPass (tables, inversePasses (tables, data, bins, inside, other), data);
+    bins > 0 && bins <= fewBins ? inverseOfFew (tables, data, bins, scratch)
+                                : inverseOfMany (tables, data, bins, scratch);
 }
 
 // NOLINTNEXTLINE(google-readability-namespace-comments)

@@ -92,31 +92,15 @@ HWY_INLINE void storeByFour (D d, V y0, V y1, V y2, V y3, float* to, std::size_t
     #endif
 }
 
-/** Which rows hold something; the others are taken for 0, whatever stands there. */
-enum Rows
-{
-    everyRow,
-    outerRows // the first and the last
-};
-
 /** The pass at stride 4. */
-template <Rows rows>
-HWY_NOINLINE void secondPass (const HartleyTables& tables, SplitComplex from, SplitComplex to)
+inline HWY_NOINLINE void secondPass (const HartleyTables& tables, SplitComplex from, SplitComplex to)
 {
     const hn::CappedTag<float, 8> d;
     const auto quarter = static_cast<std::size_t> (tables.length) / 8;
 
     for (std::size_t t = 0; t < quarter; t += hn::Lanes (d))
     {
-        Complex<hn::Vec<decltype (d)>> second { hn::Zero (d), hn::Zero (d) }, third = second;
-
-        if constexpr (rows == everyRow)
-        {
-            second = load (d, from, t + quarter);
-            third = load (d, from, t + 2 * quarter);
-        }
-
-        FourPoints points (load (d, from, t), second, third, load (d, from, t + 3 * quarter));
+        auto points = loadRows (d, from, t, quarter);
         turnByElement (d, points, tables.second.data(), quarter, t);
         storeByFour (d, points.y0.re, points.y1.re, points.y2.re, points.y3.re, to.re, t);
         storeByFour (d, points.y0.im, points.y1.im, points.y2.im, points.y3.im, to.im, t);
@@ -150,8 +134,8 @@ inline SplitComplex operator+ (SplitComplex data, std::size_t elements)
 }
 
 /** A pass at a stride of 16 or more. Returns the next pass's turns. */
-HWY_NOINLINE const float* widePass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from,
-                                    SplitComplex to)
+inline HWY_NOINLINE const float* widePass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from,
+                                           SplitComplex to)
 {
     for (std::size_t start = 0; start < half / 4; start += stride, turns += 6)
         wideRun (turns, from + start, half / 4, to + 4 * start, stride);
@@ -160,7 +144,8 @@ HWY_NOINLINE const float* widePass (const float* turns, std::size_t half, std::s
 }
 
 /** The passes at strides 16 and 64 in one: four runs of the first make one of the second, and stay in the nearest cache. */
-HWY_NOINLINE const float* twoWidePasses (const float* turns, std::size_t half, SplitComplex from, SplitComplex to)
+inline HWY_NOINLINE const float* twoWidePasses (const float* turns, std::size_t half, SplitComplex from,
+                                                SplitComplex to)
 {
     constexpr std::size_t stride = 16, next = 4 * stride;
     const auto runs = half / 4 / next;
@@ -183,8 +168,8 @@ HWY_NOINLINE const float* twoWidePasses (const float* turns, std::size_t half, S
 }
 
 /** A pass of radix 2, where the number of values is not a power of four. */
-HWY_NOINLINE void radix2Pass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from,
-                              SplitComplex to)
+inline HWY_NOINLINE void radix2Pass (const float* turns, std::size_t half, std::size_t stride, SplitComplex from,
+                                     SplitComplex to)
 {
     const hn::CappedTag<float, 16> d;
 

@@ -55,6 +55,24 @@ void appendTurns (AlignedVector<float>& table, std::size_t half, std::size_t str
         }
     }
 }
+/** Two rows for each of the few bins: what turns it on by every phase. */
+AlignedVector<float> turnsOfPhases (std::size_t length)
+{
+    const auto phases = length / (2 * HartleyTables::fewBins);
+    AlignedVector<float> rows (2 * HartleyTables::fewBins * phases);
+
+    for (std::size_t k = 0; k < HartleyTables::fewBins; ++k)
+    {
+        for (std::size_t p = 0; p < phases; ++p)
+        {
+            const Turn turn (static_cast<double> (k * p) / static_cast<double> (length));
+            rows[2 * k * phases + p] = turn.re;
+            rows[(2 * k + 1) * phases + p] = -turn.im;
+        }
+    }
+
+    return rows;
+}
 } // namespace
 
 HartleyTables::HartleyTables (int transformLength) : length (transformLength)
@@ -78,5 +96,16 @@ HartleyTables::HartleyTables (int transformLength) : length (transformLength)
         split[k] = static_cast<float> (0.5 * (std::cos (angle) + std::sin (angle)));
         split[half / 2 + k] = static_cast<float> (0.5 * (std::cos (angle) - std::sin (angle)));
     }
+
+    phases = turnsOfPhases (static_cast<std::size_t> (length));
+
+    for (std::size_t k = 0; k <= fewBins / 2; ++k)
+    {
+        const Turn turn (static_cast<double> (k) / static_cast<double> (2 * fewBins));
+        blockSplit.insert (blockSplit.end(), { turn.im, turn.re });
+    }
+
+    for (const auto blockStride : { phasesAtOnce, 4 * phasesAtOnce })
+        appendTurns (block, fewBins * phasesAtOnce, blockStride, 4);
 }
 } // namespace tarvelline

@@ -17,7 +17,7 @@ struct WindowedInput
     Definition: H[k] = sum over n of x[n] (cos (2 pi n k / N) + sin (2 pi n k / N)), k = 0 .. N - 1, unscaled. It is its
     own inverse up to the factor N, so one transform serves analysis and resynthesis.
 
-    Shapes: N = length, a power of two from 256 to 8192; K = N / 2. Data need no alignment; 64 bytes are fastest.
+    Shapes: N = length, a power of two from 2048 to 8192; K = N / 2. Data need no alignment; 64 bytes are fastest.
     Threads: init() while nobody transforms; the transforms are const and may run on any thread, each on
             its own data. Real time: the transforms allocate nothing, lock nothing and never throw; they use 64 KB of
             the stack, whatever the length.
@@ -54,8 +54,7 @@ public:
     void forward (const WindowedInput&, float* data) const noexcept;
 
     /** Undoes forward(), times N.
-        @param bins  those from here on are taken for 0, whatever stands there. Where they are few, a sixteenth of K or
-                     less, it is cheaper. */
+        @param bins  those from here on are taken for 0, whatever stands there. 64 or fewer cost less than half as much. */
     void inverse (float* data, int bins = HartleyTables::longest) const noexcept;
 
 private:
