@@ -38,14 +38,6 @@ inline int glyphOf (juce::Typeface& typeface, juce::juce_wchar character)
     return static_cast<int> (typeface.getNominalGlyphForCodepoint (character).value_or (0));
 }
 
-/** A sign's shape, at a height of 1. */
-inline juce::Path outlineOf (juce::Typeface& typeface, int glyph)
-{
-    juce::Path outline;
-    typeface.getOutlineForGlyph (fontMetrics, glyph, outline);
-    return outline;
-}
-
 #else
 
 inline juce::Font fontOfHeight (float pixels) { return juce::Font (pixels); }
@@ -65,13 +57,6 @@ inline int glyphOf (juce::Typeface& typeface, juce::juce_wchar character)
     juce::Array<float> offsets;
     typeface.getGlyphPositions (juce::String::charToString (character), glyphs, offsets);
     return glyphs.getFirst();
-}
-
-inline juce::Path outlineOf (juce::Typeface& typeface, int glyph)
-{
-    juce::Path outline;
-    typeface.getOutlineForGlyph (glyph, outline);
-    return outline;
 }
 
 #endif

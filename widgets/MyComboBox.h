@@ -14,6 +14,10 @@ class MyComboBox : public juce::ComboBox
 public:
     void paint (juce::Graphics&) override {}
     void childrenChanged() override;
+    void showPopup() override;
     std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
+
+private:
+    void close (int chosen);
 };
 } // namespace tarvelline

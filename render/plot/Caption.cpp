@@ -7,18 +7,27 @@ namespace tarvelline::render
 {
 namespace
 {
+/** The shape of a character's sign. */
+juce::Path outlineOf (const juce::Font& font, juce::juce_wchar character)
+{
+    juce::Path outline;
+    const auto glyph = glyphOf (*font.getTypefacePtr(), character);
+    juce::PositionedGlyph (font, character, glyph, 0.0f, 0.0f, 0.0f, false).createPath (outline);
+    return outline;
+}
+
 /** The characters of a text that a font has no sign for. */
 juce::String unknownTo (const juce::Font& font, const juce::String& text)
 {
     constexpr juce::juce_wchar noCharacter = 0xffff; // in no font: drawn with the sign for what is missing
     juce::String unknown;
 
-    if (const auto typeface = font.getTypefacePtr())
+    if (font.getTypefacePtr() != nullptr)
     {
-        const auto missing = outlineOf (*typeface, glyphOf (*typeface, noCharacter));
+        const auto missing = outlineOf (font, noCharacter);
 
         for (auto c = text.getCharPointer(); ! c.isEmpty(); ++c)
-            if (! c.isWhitespace() && outlineOf (*typeface, glyphOf (*typeface, *c)) == missing)
+            if (! c.isWhitespace() && outlineOf (font, *c) == missing)
                 unknown += *c;
     }
 

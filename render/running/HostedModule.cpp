@@ -4,6 +4,7 @@
 #include "processor/Parameters.h"
 #include "render/options/Errors.h"
 #include "render/running/Places.h"
+#include "render/running/Vst3Client.h"
 
 namespace tarvelline::render
 {
@@ -63,19 +64,13 @@ void HostedModule::prepare (double sampleRate, int channels, int largestBlock, c
 
 juce::MemoryBlock HostedModule::getPreset() const
 {
-    struct Reader : juce::ExtensionsVisitor
-    {
-        void visitVST3Client (const VST3Client& client) override { preset = client.getPreset(); }
-        juce::MemoryBlock preset;
-    };
+    juce::MemoryBlock preset;
+    withVst3Client (*instance, [&] (auto& client) { preset = client.getPreset(); });
 
-    Reader reader;
-    instance->getExtensions (reader);
-
-    if (reader.preset.isEmpty())
+    if (preset.isEmpty())
         throw UserError ("the plug-in does not tell its state");
 
-    return reader.preset;
+    return preset;
 }
 
 void HostedModule::apply (const std::vector<Setting>& settings)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "render/running/Vst3Client.h"
 #include "tests/support/MessagePump.h"
 #include "tests/support/Meters.h"
 #include "tests/support/ProcessorRig.h"
@@ -165,12 +166,6 @@ TEST (Module, BendsAndStateReachTheSound)
     EXPECT_FLOAT_EQ (second.module->getParameters()[2]->getValue(), 0.75f);
 }
 
-struct PresetLoader : juce::ExtensionsVisitor
-{
-    void visitVST3Client (const VST3Client& client) override { EXPECT_TRUE (client.setPreset (bytes)); }
-    juce::MemoryBlock bytes;
-};
-
 void expectValues (const juce::AudioProcessor& processor, const presets::Preset& preset)
 {
     for (std::size_t i = 0; i < preset.values.size(); ++i)
@@ -187,9 +182,9 @@ TEST (FactoryPresets, GiveAHostTheirValuesAndTheirSound)
     for (const auto& preset : table)
     {
         Host host;
-        PresetLoader loader;
-        juce::File (TARVELLINE_PRESETS).getChildFile (preset.name + ".vstpreset").loadFileAsData (loader.bytes);
-        host.module->getExtensions (loader);
+        juce::MemoryBlock bytes;
+        juce::File (TARVELLINE_PRESETS).getChildFile (preset.name + ".vstpreset").loadFileAsData (bytes);
+        render::withVst3Client (*host.module, [&] (auto& client) { EXPECT_TRUE (client.setPreset (bytes)); });
 
         expectValues (*host.module, preset);
         EXPECT_TRUE (preset.name != "Giant" || std::abs (heardCents (host) + 500.0) < 14.0);
