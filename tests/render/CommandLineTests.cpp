@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <pty.h>
 #include <set>
+#include <string>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -17,7 +19,7 @@ namespace
 constexpr double rate = 44100.0;
 constexpr std::size_t latency = 2048; // at 44.1 kHz
 
-/** The long options in the lines of a text that begin so, where it explains them: up to a second cell of a table. */
+/** The options in the lines of a text that begin so, where it explains them: up to a second cell of a table. */
 std::set<juce::String> optionsIn (const juce::String& text, const char* beginning)
 {
     std::set<juce::String> found;
@@ -26,7 +28,7 @@ std::set<juce::String> optionsIn (const juce::String& text, const char* beginnin
         if (line.startsWith (beginning))
             for (const auto& word : juce::StringArray::fromTokens (
                      line.substring (1).upToFirstOccurrenceOf ("|", false, false), " `,=", {}))
-                if (word.startsWith ("--"))
+                if (word.length() > 1 && word.startsWith ("-") && ! word.containsAnyOf ("0123456789"))
                     found.insert (word);
 
     return found;
@@ -66,12 +68,28 @@ protected:
     static juce::MidiMessage off (int note) { return juce::MidiMessage::noteOff (1, note); }
 };
 
-// An option that one of the three forgets, or still has.
+// An option that one of the three forgets, or still has; a wrong figure, or columns that do not line up.
 TEST_F (CommandLineTest, HelpManPageAndDocumentExplainTheSameOptions)
 {
     const juce::File docs { TARVELLINE_DOCS };
     const auto page = docs.getChildFile ("tarvelline-render.1").loadFileAsString().replace ("\\-", "-");
-    const auto expected = optionsIn (run ("--help").text, "  -");
+    const auto help = run ("--help").text.removeCharacters ("\r");
+    EXPECT_TRUE (help.contains ("\n  -q, --quiet         prints")
+                 && help.contains ("\n                      it comes"));
+    EXPECT_TRUE (help.contains ("\n\nFiles:\n") && help.contains ("\n  midiOptions     Toggle MIDI     1.0  notes"));
+    EXPECT_TRUE (help.containsOnly (help.removeCharacters ("\1\2\3"))) << help;
+    juce::String figures;
+
+    for (const auto& word : juce::StringArray::fromTokens (help.upToFirstOccurrenceOf ("Sound:", false, false)
+                                                               + help.fromFirstOccurrenceOf ("Examples:", false, false),
+                                                           " ,;()=-\n", {}))
+        if (word.containsAnyOf ("0123456789"))
+            figures << word << " ";
+
+    EXPECT_EQ (figures, "W64 MP3 1 64 8 384 5 0 4 4 7 24 3 0.5 " // of the beginning, and the examples
+                        "0.6 0.6 0.5 0.5 0.5 0.5 0.0 1.0 0.5 0.5 0.5 0.5 0.0 1.0 1.0 0.0 0 1.0 0 " // parameters
+                        "2 4 6 12 24 48 0 0.2 0.4 0.6 0.8 1 1 14 28 1 60 0 0 1 2 130 ");
+    const auto expected = optionsIn (help, "  -");
     EXPECT_GT (expected.size(), 20u);
     EXPECT_EQ (optionsIn (page.replace (".TP\n.B", ".TP .B"), ".TP .B"), expected);
     EXPECT_EQ (optionsIn (docs.getChildFile ("rendering.md").loadFileAsString(), "| `-"), expected);
@@ -85,7 +103,7 @@ TEST_F (CommandLineTest, OptionsAreReadAsOtherProgramsReadThem)
     const auto expected = render ("--semitones -3 --block 77");
     EXPECT_EQ (run ("--semi -3 in.wav --bl=77 other.wav -q").text, "");
     EXPECT_TRUE (sameBits (read ("other.wav").channels[0], expected));
-    EXPECT_EQ (run ("--semi=1 -- -x.wav --y.wav").exitCode, 0);
+    EXPECT_EQ (run ("--semi=+24 --formant -24 --block 65536 --jobs 256 -- -x.wav --y.wav").exitCode, 0);
     EXPECT_TRUE (file ("--y.wav").existsAsFile());
     EXPECT_TRUE (run ("in.wav out.wav -v --set toggleSize=1").text.contains ("toggleSize=1"));
     EXPECT_TRUE (run ("in.wav other.wav --no-clobber --semitones 9").text.contains ("stays as it is"));
@@ -121,6 +139,11 @@ TEST_F (CommandLineTest, AlignedEventsActOnTheOutputFromTheirTime)
 
     const auto dry = moved ("0,mixerPar,0\n0.6,mixerPar,1\n", "--semitones 2 --align sound");
     EXPECT_EQ (firstDifference (dry, noise), 26460u);
+
+    // A note that transposes is such an event; with a setting of 0 as well.
+    writeMidi ({ { 600, on (67) } });
+    const auto played = render ("--semitones 2 --set timbSmoothPar=0 --align sound --midi notes.mid");
+    EXPECT_NEAR (static_cast<double> (firstDifference (steady, played)), 26460.0 + stirs, 30.0);
 }
 
 // A voice that ends early, or that keeps its key so long that the next note is lost.
@@ -187,23 +210,40 @@ TEST_F (CommandLineTest, FoldersAreKept)
 
     ASSERT_EQ (run ("takes/*/*.wav --out-dir made --keep-folders").exitCode, 0);
     EXPECT_TRUE (file ("made/takes/a/My take.wav").existsAsFile() && file ("made/takes/b/My take.wav").existsAsFile());
+    file ("takes/a/My take.wav").copyFileTo (file (juce::CharPointer_UTF8 ("-b(&) \u00e4_1.wav")));
+    file ("takes/a/My take.wav").copyFileTo (file ("(&).wav"));
+    ASSERT_EQ (run ("--out-dir flat -- -b* '(&).wav'").exitCode, 0);
+    EXPECT_TRUE (file (juce::CharPointer_UTF8 ("flat/b-\u00e4_1.wav")).existsAsFile()
+                 && file ("flat/recording.wav").existsAsFile());
     EXPECT_TRUE (
         run ("'takes/a/My take.wav' made/takes/b/*.wav --keep-folders --out-dir .").text.contains ("also read"));
 }
 
-// A process that another one's end takes along, or that is told as done; one that is not found when the shell found ours.
-TEST_F (CommandLineTest, CrashOfOneRunIsTold)
+// A process that another one's end takes along, or that is told as done; one that is not found when the shell found ours; a
+// line of progress that is wrong, or stays. The process in the middle is held until the terminal has been told.
+TEST_F (CommandLineTest, ProgressAndTheCrashOfOneRunAreTold)
 {
+    int terminal = -1, side = -1;
+    ASSERT_EQ (openpty (&terminal, &side, nullptr, nullptr, nullptr), 0);
     write ("in.wav", { rate, { whiteNoise (1000) } });
+    file ("in.wav").copyFileTo (file ("last.wav"));
     write ("long.wav", { 192000.0, { whiteNoise (4000000) } });
     const auto outcome =
-        shell ("PATH=$PATH:${RENDER%/*}; tarvelline-render long.wav in.wav --out-dir made & for i "
-               "in $(seq 200); do sleep 0.05;"
-               "child=$(cat /proc/$!/task/*/children); [ -z \"$child\" ] || break; done; kill -KILL $child; wait $!");
+        shell ("PATH=$PATH:${RENDER%/*}; tarvelline-render in.wav long.wav last.wav --out-dir made --block 16 2>"
+               + juce::String (ttyname (side))
+               + " & for i in $(seq 200); do sleep 0.02; [ ! -e made/in.wav ] || break; done; for i in $(seq 200); do"
+                 " sleep 0.02; child=$(cat /proc/$!/task/*/children); [ -z \"$child\" ] || break; done;"
+                 "kill -STOP $child; sleep 1.3; kill -KILL $child; wait $!");
+    std::string told (4000, ' ');
+    told.resize (static_cast<std::size_t> (std::max<ssize_t> (0, ::read (terminal, told.data(), told.size()))));
+    close (side);
+    close (terminal);
     EXPECT_EQ (outcome.exitCode, 1);
-    EXPECT_TRUE (outcome.text.contains ("long.wav  crashed (signal 9)")) << outcome.text;
-    EXPECT_TRUE (outcome.text.contains ("1 of 2 files written")) << outcome.text;
-    EXPECT_TRUE (file ("made/in.wav").existsAsFile());
+    EXPECT_NE (told.find ("\r 33 %\r"), std::string::npos) << told;
+    EXPECT_NE (told.find ("%\r     \rlong.wav  crashed (signal 9)"), std::string::npos) << told;
+    EXPECT_NE (told.find ("2 of 3 files written"), std::string::npos) << told;
+    EXPECT_TRUE (outcome.text.contains ("in.wav    written")) << outcome.text;
+    EXPECT_TRUE (file ("made/last.wav").existsAsFile());
 }
 
 // A window system that is asked for although nothing is shown: one that does not answer would hold the program for ever.

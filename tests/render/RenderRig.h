@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <sndfile.h>
 #include <vector>
 
 namespace tarvelline::test
@@ -55,6 +56,26 @@ protected:
         ASSERT_NE (writer, nullptr);
         ASSERT_TRUE (writer->writeFromFloatArrays (data.data(), static_cast<int> (data.size()),
                                                    static_cast<int> (recording.channels[0].size())));
+    }
+
+    /** Writes a sound file of a kind, SF_FORMAT_*, by another library. */
+    void writeKind (const juce::String& name, int format, const Recording& recording) const
+    {
+        SF_INFO info {};
+        info.samplerate = juce::roundToInt (recording.rate);
+        info.channels = static_cast<int> (recording.channels.size());
+        info.format = format;
+        auto* const out = sf_open (file (name).getFullPathName().toRawUTF8(), SFM_WRITE, &info);
+        ASSERT_NE (out, nullptr) << sf_strerror (nullptr);
+
+        Samples frames;
+
+        for (std::size_t i = 0; i < recording.channels[0].size(); ++i)
+            for (const auto& channel : recording.channels)
+                frames.push_back (channel[i]);
+
+        sf_write_float (out, frames.data(), static_cast<sf_count_t> (frames.size()));
+        sf_close (out);
     }
 
     Recording read (const juce::String& name)
