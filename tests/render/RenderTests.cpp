@@ -60,7 +60,7 @@ TEST_F (RenderTest, DryOutputIsTheInputToTheBitAndOneLatencyLonger)
 }
 
 // Samples of another kind or order of bytes, rounded to fewer bits than asked for, or late; fewer channels than a kind has
-// room for, or more.
+// room for, or more; a part that is taken for the whole, or what is missing for silence.
 TEST_F (RenderTest, FilesOfEveryKindComeBackAsTheyWere)
 {
     struct Kind
@@ -81,7 +81,6 @@ TEST_F (RenderTest, FilesOfEveryKindComeBackAsTheyWere)
            Kind { "x.w64", "--bits 32", SF_FORMAT_W64 | SF_FORMAT_FLOAT, 64, 0.0 },
            Kind { "x.caf", "--bits 32", SF_FORMAT_CAF | SF_FORMAT_FLOAT, 64, 0.0 },
            Kind { "x.snd", "--bits 32", SF_FORMAT_AU | SF_FORMAT_FLOAT, 64, 0.0 },
-           Kind { "x", "--format aiff --bits 32", SF_FORMAT_AIFF | SF_FORMAT_FLOAT, 0, 0.0 },
            Kind { "x.ogg", "", SF_FORMAT_OGG | SF_FORMAT_VORBIS, 2, 0.02 },
            Kind { "x.opus", "", SF_FORMAT_OGG | SF_FORMAT_OPUS, 2, 0.03 },
            Kind { "x.mp3", "", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 2, 0.02 } })
@@ -106,8 +105,8 @@ TEST_F (RenderTest, FilesOfEveryKindComeBackAsTheyWere)
             EXPECT_TRUE (file ("same-" + made).hasIdenticalContentTo (file (made))) << name;
         }
 
-        if (channels == 0)
-            continue;
+        shell ("head -c $(($(stat -c %s " + made + ") * 3 / 5)) " + made + " > part");
+        EXPECT_TRUE (run ("part out.wav").text.contains ("cut off")) << name;
 
         Recording wide { 48000.0, { static_cast<std::size_t> (channels), { 0.5f, 0.5f } } };
         write ("wide.wav", wide);
@@ -121,41 +120,27 @@ TEST_F (RenderTest, FilesOfEveryKindComeBackAsTheyWere)
 // What other programs write, in many encodings, some into a pipe and so without a length in the header; the name says nothing.
 TEST_F (RenderTest, FilesOfOtherProgramsAreKnownByWhatTheyHold)
 {
-    struct Found
+    const auto render = [&] (const juce::String& name)
     {
-        const char* file;
-        double error; // greatest
-    };
-
-    const juce::File seeds (TARVELLINE_READER_SEEDS);
-    const auto render = [&] (const char* name)
-    {
-        EXPECT_TRUE (seeds.getChildFile (name).copyFileTo (file ("in.flac")));
-        const auto outcome = run ("in.flac out.wav --set mixerPar=0");
-        EXPECT_EQ (outcome.exitCode, 0) << name << ": " << outcome.text;
+        EXPECT_TRUE (juce::File (TARVELLINE_READER_SEEDS).getChildFile (name).copyFileTo (file ("in.flac")));
+        EXPECT_EQ (run ("in.flac out.wav --set mixerPar=0").exitCode, 0) << name;
         return read ("out.wav").channels.front();
     };
     const auto plain = render ("wav16.wav");
 
-    for (const auto& [name, error] : { Found { "streamed.wav", 0.0 },
-                                       { "mono.w64", 0.0 },
-                                       { "streamed.w64", 0.0 },
-                                       { "float.aifc", 0.0 },
-                                       { "stereo.caf", 0.0 },
-                                       { "streamed.caf", 0.0 },
-                                       { "alac.caf", 0.0 },
-                                       { "streamed.au", 0.0 },
-                                       { "mulaw.wav", 0.02 },
-                                       { "mulaw.au", 0.02 },
-                                       { "msadpcm.wav", 0.05 },
-                                       { "imaadpcm.wav", 0.05 } })
+    for (const juce::String name : { "mono.w64", "float.aifc", "stereo.caf", "streamed.caf", "alac.caf", "mulaw.wav",
+                                     "mulaw.au", "msadpcm.wav", "imaadpcm.wav" })
     {
         const auto found = render (name);
         ASSERT_GE (found.size(), plain.size()) << name;
 
         // Where steps adapt to the sound they have to grow first.
-        for (std::size_t i = error > 0.0 ? 40 : 0; i + latency < plain.size(); ++i)
-            ASSERT_NEAR (found[i], plain[i], error) << name << " at " << i;
+        for (std::size_t i = name.contains ("adpcm") ? 40 : 0; i + latency < plain.size(); ++i)
+            ASSERT_NEAR (found[i], plain[i],
+                         name.contains ("adpcm")   ? 0.05
+                         : name.contains ("mulaw") ? 0.02
+                                                   : 0.0)
+                << name;
     }
 
     for (const auto* name :
@@ -172,57 +157,50 @@ TEST_F (RenderTest, LengthsInHeadersAreTakenAtTheirWord)
         const char* mark;    // of what holds the length
         int distance, bytes; // of the length, from there on
         bool bigEndian;
+        int counted; // besides the sound
     };
-    using Lengths = std::vector<std::int64_t>;
-    constexpr auto most = std::numeric_limits<std::int64_t>::max();
     const auto noise = whiteNoise (400);
+    constexpr auto most = std::numeric_limits<std::int64_t>::max();
+    using Lengths = std::vector<std::int64_t>;
 
-    for (const auto& [format, mark, distance, bytes, bigEndian] :
-         { Kind { SF_FORMAT_WAV, "data", 4, 4, false }, Kind { SF_FORMAT_WAV | SF_ENDIAN_BIG, "data", 4, 4, true },
-           Kind { SF_FORMAT_RF64, "ds64", 16, 8, false }, Kind { SF_FORMAT_W64, "data", 16, 8, false },
-           Kind { SF_FORMAT_AIFF, "SSND", 4, 4, true }, Kind { SF_FORMAT_CAF, "data", 4, 8, true },
-           Kind { SF_FORMAT_AU, ".snd", 8, 4, true }, Kind { SF_FORMAT_AU | SF_ENDIAN_LITTLE, "dns.", 8, 4, false } })
+    for (const auto& [format, mark, distance, bytes, bigEndian, counted] :
+         { Kind { SF_FORMAT_WAV, "data", 4, 4, false, 0 },
+           Kind { SF_FORMAT_WAV | SF_ENDIAN_BIG, "data", 4, 4, true, 0 },
+           Kind { SF_FORMAT_RF64, "ds64", 16, 8, false, 0 }, Kind { SF_FORMAT_W64, "data", 16, 8, false, 24 },
+           Kind { SF_FORMAT_AIFF, "SSND", 4, 4, true, 8 }, Kind { SF_FORMAT_CAF, "data", 4, 8, true, 4 },
+           Kind { SF_FORMAT_AU, ".snd", 8, 4, true, 0 },
+           Kind { SF_FORMAT_AU | SF_ENDIAN_LITTLE, "dns.", 8, 4, false, 0 } })
     {
         writeKind ("in", format | SF_FORMAT_PCM_16, { 8000.0, { noise } });
         juce::MemoryBlock whole;
         ASSERT_TRUE (file ("in").loadFileAsData (whole));
-        const auto place =
-            std::string_view (whole.begin(), whole.getSize()).find (mark) + static_cast<std::size_t> (distance);
-        const auto runWith = [&] (std::int64_t length)
+        auto* const place = whole.begin() + std::string_view (whole.begin(), whole.getSize()).find (mark) + distance;
+        const auto expect = [&] (std::int64_t length, int samples) // 0: cut off
         {
-            auto* const bytesThere = whole.begin() + place;
-
             for (int i = 0; i < bytes; ++i)
-                bytesThere[bigEndian ? bytes - 1 - i : i] = static_cast<char> (length >> 8 * i);
+                place[bigEndian ? bytes - 1 - i : i] = static_cast<char> (length >> 8 * i);
 
             file ("in").replaceWithData (whole.getData(), whole.getSize());
-            return run ("in out.wav --set mixerPar=0");
-        };
-        std::int64_t told = 0;
+            const auto text = run ("in out.wav --set mixerPar=0").text;
+            ASSERT_EQ (text.contains ("cut off"), samples == 0) << mark << " " << length << text;
+            auto out = read ("out.wav").channels[0];
 
-        for (int i = 0; i < bytes; ++i)
-            told |= static_cast<std::int64_t> (
-                        static_cast<unsigned char> (whole[static_cast<int> (place) + (bigEndian ? bytes - 1 - i : i)]))
-                    << 8 * i;
+            for (std::size_t i = 0; i < static_cast<std::size_t> (samples); ++i)
+                ASSERT_NEAR (out.at (i), noise[i], 1.0f / 32768.0f) << mark << " " << length;
+
+            EXPECT_TRUE (samples == 0 || out.size() == static_cast<std::size_t> (samples + latency)) << mark << length;
+        };
+        const auto told = 800 + counted;
+        expect (told - 8, 396);
+        expect (told + 1, 0);
 
         for (const auto length : bytes == 8
                                      ? Lengths { told, -1, most }
                                      : Lengths { told, 0xffffffff, 0xffff0001, 0x80000000, 0x7fff0001, 0x8000ffff })
-        {
-            EXPECT_EQ (runWith (length).exitCode, 0) << std::hex << format << " " << length;
-            const auto out = read ("out.wav").channels[0];
-            ASSERT_EQ (out.size(), 400u + static_cast<unsigned> (latency)) << std::hex << format << " " << length;
+            expect (length, 400);
 
-            for (std::size_t i = 0; i < 400; ++i)
-                ASSERT_NEAR (out[i], noise[i], 1.0f / 32768.0f) << std::hex << format << " " << length;
-        }
-
-        EXPECT_EQ (runWith (told - 8).exitCode, 0) << std::hex << format;
-        EXPECT_EQ (read ("out.wav").channels[0].size(), 396u + static_cast<unsigned> (latency)) << std::hex << format;
-
-        for (const auto length :
-             bytes == 8 ? Lengths { told + 1, most / 16 } : Lengths { told + 1, 0xffff0000, 0x7fff0000, 0x80010000 })
-            EXPECT_TRUE (runWith (length).text.contains ("cut off")) << std::hex << format << " " << length;
+        for (const auto length : bytes == 8 ? Lengths { most / 16 } : Lengths { 0xffff0000, 0x7fff0000, 0x80010000 })
+            expect (length, 0);
     }
 }
 
@@ -274,15 +252,10 @@ TEST_F (RenderTest, NotesInTheFileAreKeptToTheByte)
         EXPECT_EQ (chunksOf (file (name.upToFirstOccurrenceOf (" ", false, false)), count == 2), expected) << out;
     }
 
-    // Into another kind go the texts that both have.
+    // Into another kind go the texts that both have, but not the program that wrote it.
     ASSERT_EQ (run ("in.wav out.flac").exitCode, 0);
-    SF_INFO info {};
-    auto* const flac = sf_open (file ("out.flac").getFullPathName().toRawUTF8(), SFM_READ, &info);
-    EXPECT_STREQ (sf_get_string (flac, SF_STR_TITLE), "Odd");
-    EXPECT_STREQ (sf_get_string (flac, SF_STR_ARTIST), "Two");
-    EXPECT_STREQ (sf_get_string (flac, SF_STR_COMMENT), "c");
-    EXPECT_EQ (sf_get_string (flac, SF_STR_SOFTWARE), nullptr);
-    sf_close (flac);
+    EXPECT_EQ (shell ("grep -aoiE '(title|artist|comment|software|encoder)=[a-z]+' out.flac | sort").text.toLowerCase(),
+               "artist=two\ncomment=c\ntitle=odd\n");
 }
 
 // Channels swapped, shared with a neighbour that is not their twin, or left out.
@@ -321,14 +294,6 @@ TEST_F (RenderTest, ManyChannelsAreRenderedInTheirPairs)
                 EXPECT_TRUE (sameBits (made[group[i]], read ("alone.wav").channels[i])) << options << " " << group[i];
         }
     }
-
-    // FLAC has the six in WAV's order, but does not say so.
-    for (const juce::String kind : { "wav", "flac" })
-        EXPECT_EQ (run ("surround.wav x." + kind + " --set mixerPar=0 --bits 24").exitCode
-                       + run ("x." + kind + " from-" + kind + ".wav --semitones 3").exitCode,
-                   0);
-
-    EXPECT_EQ (read ("from-flac.wav").channels, read ("from-wav.wav").channels);
 }
 
 // Vorbis has its channels in an order of its own. Here they are named by their bits in a WAV's mask, whose order is WAV's; the
@@ -351,7 +316,8 @@ TEST_F (RenderTest, SurroundIsPutIntoTheOrderOfWavAndSaysSo)
             in.channels.push_back (sine (hertz (place), 48000.0, 0.5, 0.5));
 
         writeKind ("in.ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS, in);
-        ASSERT_EQ (run ("in.ogg out.wav --set mixerPar=0").exitCode, 0);
+        ASSERT_EQ (run ("in.ogg x.flac --set mixerPar=0").exitCode, 0); // in WAV's order, but untold
+        ASSERT_EQ (run ("x.flac out.wav --set mixerPar=0").exitCode, 0);
         const auto channels = read ("out.wav").channels;
         ASSERT_EQ (channels.size(), places.size());
         std::sort (places.begin(), places.end());
@@ -391,11 +357,10 @@ TEST_F (RenderTest, SixteenBitsAreDithered)
     const auto output = render ("--set mixerPar=0 --bits 16");
     double sum = 0.0, squares = 0.0;
 
-    for (int i = 0; i < 100000; ++i)
+    for (auto sample = output.begin(); sample < output.begin() + 100000; ++sample)
     {
-        const auto error = output[static_cast<std::size_t> (i)] / step - 7.3;
-        sum += error;
-        squares += error * error;
+        sum += *sample / step - 7.3;
+        squares += std::pow (*sample / step - 7.3, 2);
     }
 
     EXPECT_NEAR (sum / 100000, 0.0, 0.01);            // measured: 0.001 steps
@@ -440,40 +405,26 @@ TEST_F (RenderTest, StandsAtTheShiftFromTheStart)
     }
 }
 
-// A change that comes at another sample than its own: the mixer goes from shifted to dry within one.
-TEST_F (RenderTest, AutomationComesAtItsSampleWhateverTheBlocks)
-{
-    write ("in.wav", { rate, { whiteNoise (30000) } });
-    file ("moves.csv")
-        .replaceWithText ("seconds,parameterId,value\r\n\n # the dry signal\n0.5, mixerPar, 0 # from here\n");
-    const auto input = read ("in.wav").channels.front();
-
-    for (const auto block : { 1, 512, 8192 })
-    {
-        const auto output = render ("--semitones 2 --automate moves.csv --block " + juce::String (block));
-        auto firstDry = input.size();
-
-        while (firstDry > 0 && output[firstDry - 1] == input[firstDry - 1])
-            --firstDry;
-
-        EXPECT_EQ (firstDry, static_cast<std::size_t> (22050 - latency)) << block;
-    }
-}
-
-// A line that begins or ends elsewhere, jumps, or depends on the blocks. Voices without notes are silent, so that the mixer
-// alone is heard.
-TEST_F (RenderTest, AutomationMovesInStraightLines)
+// A line that begins or ends elsewhere, jumps, or depends on the blocks; a change that comes at another sample than its own.
+// Voices without notes are silent, so that the mixer alone is heard.
+TEST_F (RenderTest, AutomationMovesInStraightLinesAndComesAtItsSample)
 {
     write ("in.wav", { rate, { Samples (30000, 1.0f) } });
-    file ("fade.csv").replaceWithText ("seconds,parameterId,value,shape\n0.4,mixerPar,1,line\n0.2,mixerPar,0\n");
+    file ("fade.csv")
+        .replaceWithText (
+            "seconds, parameterId,value,shape\r\n\n # a fade\n0.4,mixerPar,1,line\n0.6, mixerPar, 0 # and "
+            "back\n0.2,mixerPar,0\n");
     const juce::String options = "--set midiOptions=0 --set mixerPar=0 --automate fade.csv --block ";
     const auto output = render (options + "512");
 
     for (std::size_t i = 0; i + latency < 30000; ++i)
-        ASSERT_NEAR (output[i], std::clamp (2.0 - static_cast<double> (i + latency) / 8820.0, 0.0, 1.0), 33.0 / 8820.0)
+        ASSERT_NEAR (output[i],
+                     i + latency < 26460 ? std::clamp (2.0 - static_cast<double> (i + latency) / 8820.0, 0.0, 1.0)
+                                         : 1.0,
+                     33.0 / 8820.0)
             << i;
 
-    for (const auto block : { "1", "77" })
+    for (const auto block : { "1", "77", "8192" })
         EXPECT_TRUE (sameBits (render (options + block), output)) << block;
 }
 
@@ -511,40 +462,37 @@ TEST_F (RenderTest, NotesTransposeAndBlocksDoNotMatter)
 {
     const auto input = sine (tone, rate, 3.0, 0.5);
     write ("in.wav", { rate, { input } });
-    juce::MidiMessageSequence tempi, events;
+    juce::MidiMessageSequence tempi;
     tempi.addEvent (juce::MidiMessage::tempoMetaEvent (250000), 0.0); // microseconds a beat
     tempi.addEvent (juce::MidiMessage::tempoMetaEvent (750000), 480.0);
-
-    for (const auto& message : { juce::MidiMessage::noteOn (1, 67, 0.8f), juce::MidiMessage::noteOff (2, 67),
-                                 juce::MidiMessage::pitchWheel (1, 16383) })
-        events.addEvent (message, 960.0); // at 1 s
-
-    juce::MidiFile midi;
-    midi.setTicksPerQuarterNote (480);
-    midi.addTrack (tempi);
-    midi.addTrack (events);
-    ASSERT_TRUE (midi.writeTo (*file ("notes.mid").createOutputStream()));
     const juce::String options = "--midi notes.mid --set mainRange=0 --set mainGravityPar=1 --block ";
+    Samples first;
 
-    const auto output = render (options + "512");
-    EXPECT_TRUE (sameBits (part (output, 0.1, 0.9), part (input, 0.1, 0.9))); // at rest: the dry signal
-    EXPECT_NEAR (centsIn (output, 2.0, 2.9), hopCents (256, 161), 0.01);      // seven by the note, one by the bend
-
-    for (const auto block : { "1", "4096" })
-        EXPECT_TRUE (sameBits (render (options + block), output)) << block;
-
-    // The same by frames instead of beats, 30 a second and 29.97.
-    for (const auto& [frames, ticks] : { std::pair { 30, 3000.0 }, { 29, 2997.0 } })
+    // At 1 s: by beats, and by frames, 30 a second and 29.97.
+    for (const auto& [frames, ticks] : { std::pair { 0, 960.0 }, { 30, 3000.0 }, { 29, 2997.0 } })
     {
-        for (auto* event : events)
-            event->message.setTimeStamp (ticks);
+        juce::MidiMessageSequence events;
 
-        midi.clear();
-        midi.setSmpteTimeFormat (frames, 100);
+        for (const auto& message : { juce::MidiMessage::noteOn (1, 67, 0.8f), juce::MidiMessage::noteOff (2, 67),
+                                     juce::MidiMessage::pitchWheel (1, 16383) })
+            events.addEvent (message, ticks);
+
+        juce::MidiFile midi;
+        frames > 0 ? midi.setSmpteTimeFormat (frames, 100) : midi.setTicksPerQuarterNote (480);
+        midi.addTrack (frames > 0 ? juce::MidiMessageSequence() : tempi);
         midi.addTrack (events);
         file ("notes.mid").deleteFile();
         ASSERT_TRUE (midi.writeTo (*file ("notes.mid").createOutputStream()));
-        EXPECT_TRUE (sameBits (render (options + "512"), output)) << frames;
+
+        for (const auto block : { "512", "1", "4096" })
+        {
+            const auto output = render (options + block);
+            first = first.empty() ? output : first;
+            EXPECT_TRUE (sameBits (output, first)) << frames << " " << block;
+        }
     }
+
+    EXPECT_TRUE (sameBits (part (first, 0.1, 0.9), part (input, 0.1, 0.9))); // at rest: the dry signal
+    EXPECT_NEAR (centsIn (first, 2.0, 2.9), hopCents (256, 161), 0.01);      // seven by the note, one by the bend
 }
 } // namespace tarvelline::test
