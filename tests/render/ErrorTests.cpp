@@ -207,9 +207,10 @@ TEST_F (RenderErrorTest, InterruptionLeavesNothingBehind)
         {
             // Until a temporary file is there, or for a second.
             const auto outcome =
-                shell ("\"$RENDER\" " + juce::String (files)
-                       + " --semitones 5 & for i in $(seq 100); do sleep 0.01; [ $(ls -A | wc -l) = "
-                       + juce::String (filesBefore.size()) + " ] || break; done; kill -" + signal + " $!; wait $!");
+                shell ("there=$(ls -A | wc -l); \"$RENDER\" " + juce::String (files)
+                       + " --semitones 5 & for i in $(seq 100); do sleep 0.01; [ $(ls -A | wc -l) = $there ] || break; "
+                         "done; kill -"
+                       + signal + " $!; wait $!");
             EXPECT_EQ (outcome.exitCode, 130) << files << ": " << outcome.text;
         }
 }
