@@ -194,6 +194,9 @@ TEST_F (RenderTest, LengthsInHeadersAreTakenAtTheirWord)
         expect (told - 8, 396);
         expect (told + 1, 0);
 
+        if (distance > 4) // the others tell their whole length as well, and then 0 is 0
+            expect (0, 400);
+
         for (const auto length : bytes == 8
                                      ? Lengths { told, -1, most }
                                      : Lengths { told, 0xffffffff, 0xffff0001, 0x80000000, 0x7fff0001, 0x8000ffff })
@@ -342,11 +345,6 @@ TEST_F (RenderTest, PipesCarryWhatFilesDo)
                                 " \"$RENDER\" - - --format flac --semitones 3 <in.wav 2>words | head -c 4");
     EXPECT_TRUE (outcome.text.contains ("standard output: ") && outcome.text.endsWith ("fLaC")) << outcome.text;
     EXPECT_TRUE (sameBits (read ("piped.wav").channels.front(), expected));
-
-    // Streams that are closed, whose numbers the files would get; a file that others may not read.
-    EXPECT_EQ (shell ("umask 027; \"$RENDER\" in.wav closed.wav --semitones 3 <&- >&- 2>&-").exitCode, 0);
-    EXPECT_TRUE (sameBits (read ("closed.wav").channels.front(), expected));
-    EXPECT_EQ (shell ("stat -c %a closed.wav").text.trim(), "640");
 }
 
 // Rounding without dither, whose error follows the sound: of a level between two steps it would make one of them.
