@@ -272,7 +272,7 @@ TEST_F (PlotTest, AxesAreAsDrawnByHand)
             g.drawImageAt (image.getClippedImage (area), area.getX(), area.getY());
 
         EXPECT_EQ (image.getPixelAt (140, 76).toString(), "ff131313");
-        EXPECT_EQ (differingPixels (image, expected, 1), 0) << row.seconds;
+        EXPECT_EQ (differingPixels (image, expected, 2), 0) << row.seconds;
     }
 }
 } // namespace tarvelline::test
