@@ -13,7 +13,7 @@ namespace
 {
 // Pixels.
 constexpr float markLength = 8.0f, labelGap = 6.0f, labelHeight = 26.0f, labelWidth = 120.0f;
-constexpr float sideNameDistance = 92.0f; // from the edge to the middle of an upright axis's name, at least
+constexpr float sideNameDistance = 92.0f; // from the edge to the middle of an upright axis's name
 constexpr float bottomNameDistance = 58.0f;
 
 constexpr double minute = 60.0, hour = 3600.0; // seconds
@@ -36,14 +36,11 @@ void drawUprightAxis (juce::Graphics& g, juce::Rectangle<float> area, const std:
 {
     const auto edge = onLeft ? area.getX() : area.getRight();
     const auto outwards = onLeft ? -1.0f : 1.0f;
-    auto nameDistance = sideNameDistance;
 
     for (const auto& tick : ticks)
     {
         const auto y = area.getBottom() - static_cast<float> (tick.place) * area.getHeight();
         const auto labelEdge = edge + outwards * (markLength + labelGap);
-        nameDistance = std::max (nameDistance, markLength + 2.0f * labelGap + widthOf (g.getCurrentFont(), tick.label)
-                                                   + labelHeight / 2.0f);
         g.drawLine (edge, y, edge + outwards * markLength, y, 2.0f);
         g.drawText (tick.label,
                     juce::Rectangle<float> (onLeft ? labelEdge - labelWidth : labelEdge, y - labelHeight / 2.0f,
@@ -51,7 +48,7 @@ void drawUprightAxis (juce::Graphics& g, juce::Rectangle<float> area, const std:
                     onLeft ? juce::Justification::centredRight : juce::Justification::centredLeft, false);
     }
 
-    const juce::Point<float> middle (edge + outwards * nameDistance, area.getCentreY());
+    const juce::Point<float> middle (edge + outwards * sideNameDistance, area.getCentreY());
     const juce::Graphics::ScopedSaveState unturned (g);
     g.addTransform (
         juce::AffineTransform::rotation (outwards * juce::MathConstants<float>::halfPi, middle.x, middle.y));

@@ -111,6 +111,7 @@ void Recording::open()
     layout = readLayout (*source.stream);
     source.patchPlace = layout.lengthPlace;
     source.patch = layout.length;
+    source.end = layout.soundEnd;
 
     if (layout.present < layout.promised)
         throw UserError ("IN: " + path + " is cut off: of " + juce::String (layout.promised) + " bytes of sound "

@@ -106,7 +106,7 @@ void RecordingOutput::open()
 
     auto map = source.getChannelMap();
 
-    if (channels > 2 && ! map.empty())
+    if (! map.empty())
         sf_command (handle.get(), SFC_SET_CHANNEL_MAP_INFO, map.data(), static_cast<int> (map.size() * sizeof (int)));
 }
 

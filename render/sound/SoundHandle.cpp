@@ -15,20 +15,19 @@ sf_count_t placeFrom (int whence, sf_count_t offset, sf_count_t here, sf_count_t
 struct Reading
 {
     static SoundSource& of (void* data) { return *static_cast<SoundSource*> (data); }
-    static sf_count_t length (void* data) { return of (data).stream->getTotalLength(); }
+    static sf_count_t length (void* data) { return of (data).length(); }
     static sf_count_t tell (void* data) { return of (data).stream->getPosition(); }
     static sf_count_t write (const void*, sf_count_t, void*) { return 0; }
 
     static sf_count_t seek (sf_count_t offset, int whence, void* data)
     {
-        auto& stream = *of (data).stream;
-        stream.setPosition (placeFrom (whence, offset, stream.getPosition(), stream.getTotalLength()));
-        return stream.getPosition();
+        of (data).stream->setPosition (placeFrom (whence, offset, tell (data), length (data)));
+        return tell (data);
     }
 
     static sf_count_t read (void* into, sf_count_t count, void* data)
     {
-        auto& [stream, patchPlace, patch] = of (data);
+        auto& [stream, end, patchPlace, patch] = of (data);
         const auto start = stream->getPosition();
         const auto wanted = static_cast<int> (std::clamp<sf_count_t> (count, 0, 1 << 30));
         const auto got = std::max (0, stream->read (into, wanted));

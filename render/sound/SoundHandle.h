@@ -21,7 +21,10 @@ using SoundHandle = std::unique_ptr<SNDFILE, CloseSound>;
     tells no length, is seen with the length. */
 struct SoundSource
 {
+    juce::int64 length() const { return end > 0 ? end : stream->getTotalLength(); }
+
     std::unique_ptr<juce::InputStream> stream;
+    juce::int64 end = 0;        // bytes; where the file is to seem at its end, unless 0
     juce::int64 patchPlace = 0; // bytes from the start
     std::string patch;
 };

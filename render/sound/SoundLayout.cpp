@@ -128,6 +128,7 @@ void walkChunks (SoundLayout& layout, juce::InputStream& in, const Container& ki
 
             noteSound (layout, in, start, field);
             size = layout.present;
+            layout.soundEnd = kind.mark == "riff" ? start + size : 0;
             soundFound = true;
         }
         else if (size < 0 || size > end - start)

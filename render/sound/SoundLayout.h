@@ -28,6 +28,7 @@ struct SoundLayout
     Family family = Family::other;
     std::vector<Chunk> chunks;             // those that are there in full, the sound left out
     juce::int64 promised = 0, present = 0; // bytes of sound; both 0 when no header tells
+    juce::int64 soundEnd = 0;              // bytes; of a W64, where the library takes all that follows for sound
 
     // Where the length of the sound stands, and what should stand there when the file was written before it was known; else
     // empty.

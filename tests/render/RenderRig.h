@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <sndfile.h>
 #include <vector>
 
 namespace tarvelline::test
@@ -39,22 +40,49 @@ protected:
 
     juce::File file (const juce::String& name) const { return folder.getChildFile (name); }
 
-    /** Writes a sound file of the kind that the name ends in, with the most bits it takes: 32 in .wav, 24 in .aiff. */
-    void write (const juce::String& name, const Recording& recording)
+    /** Writes a sound file of the kind that the name ends in: of 24 bits in .aiff, else a WAV of 32. */
+    void write (const juce::String& name, const Recording& recording) const
     {
-        file (name).deleteFile();
-        auto& format = *formats.findFormatForFileExtension (file (name).getFileExtension());
-        const std::unique_ptr<juce::AudioFormatWriter> writer (format.createWriterFor (
-            new juce::FileOutputStream (file (name)), recording.rate,
-            static_cast<unsigned int> (recording.channels.size()), format.getPossibleBitDepths().getLast(), {}, 0));
-        std::vector<const float*> data;
+        writeKind (name,
+                   name.endsWith (".aiff")         ? SF_FORMAT_AIFF | SF_FORMAT_PCM_24
+                   : recording.channels.size() > 2 ? SF_FORMAT_WAVEX | SF_FORMAT_FLOAT
+                                                   : SF_FORMAT_WAV | SF_FORMAT_FLOAT,
+                   recording);
+    }
 
-        for (auto& channel : recording.channels)
-            data.push_back (channel.data());
+    /** Writes a sound file of a kind, SF_FORMAT_*, by another library. */
+    void writeKind (const juce::String& name, int format, const Recording& recording) const
+    {
+        SF_INFO info {};
+        info.samplerate = juce::roundToInt (recording.rate);
+        info.channels = static_cast<int> (recording.channels.size());
+        info.format = format;
+        auto* const out = sf_open (file (name).getFullPathName().toRawUTF8(), SFM_WRITE, &info);
+        ASSERT_NE (out, nullptr) << sf_strerror (nullptr);
 
-        ASSERT_NE (writer, nullptr);
-        ASSERT_TRUE (writer->writeFromFloatArrays (data.data(), static_cast<int> (data.size()),
-                                                   static_cast<int> (recording.channels[0].size())));
+        Samples frames;
+
+        for (std::size_t i = 0; i < recording.channels[0].size(); ++i)
+            for (const auto& channel : recording.channels)
+                frames.push_back (channel[i]);
+
+        sf_write_float (out, frames.data(), static_cast<sf_count_t> (frames.size()));
+        sf_close (out);
+    }
+
+    /** A MIDI file of messages, each at its time in milliseconds. */
+    void writeMidi (const std::vector<std::pair<int, juce::MidiMessage>>& messages)
+    {
+        juce::MidiMessageSequence track;
+
+        for (const auto& [time, message] : messages)
+            track.addEvent (message, time);
+
+        juce::MidiFile midi;
+        midi.setSmpteTimeFormat (25, 40); // 1000 ticks a second
+        midi.addTrack (track);
+        file ("notes.mid").deleteFile();
+        ASSERT_TRUE (midi.writeTo (*file ("notes.mid").createOutputStream()));
     }
 
     Recording read (const juce::String& name)
