@@ -458,7 +458,7 @@ TEST_F (RenderTest, StatesAndPresetsSoundLikeTheirSettings)
 // Notes handed on early, late, in the wrong tempo, or lost; an event dropped because others come at the same time.
 TEST_F (RenderTest, NotesTransposeAndBlocksDoNotMatter)
 {
-    const auto input = sine (tone, rate, 3.0, 0.5);
+    const auto input = sine (tone, rate, 4.0, 0.5);
     write ("in.wav", { rate, { input } });
     juce::MidiMessageSequence tempi;
     tempi.addEvent (juce::MidiMessage::tempoMetaEvent (250000), 0.0); // microseconds a beat
@@ -474,6 +474,8 @@ TEST_F (RenderTest, NotesTransposeAndBlocksDoNotMatter)
         for (const auto& message : { juce::MidiMessage::noteOn (1, 67, 0.8f), juce::MidiMessage::noteOff (2, 67),
                                      juce::MidiMessage::pitchWheel (1, 16383) })
             events.addEvent (message, ticks);
+
+        events.addEvent (juce::MidiMessage::pitchWheel (1, 4000), frames > 0 ? 3 * ticks : 2240.0); // at 3 s, alone
 
         juce::MidiFile midi;
         frames > 0 ? midi.setSmpteTimeFormat (frames, 100) : midi.setTicksPerQuarterNote (480);
