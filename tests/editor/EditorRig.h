@@ -86,29 +86,4 @@ inline constexpr Bound boundBoxes[] = {
     { "pitchRangeBox", parameterId::mainRange },
     { "timbreRangeBox", parameterId::timbRange },
 };
-
-/** Hears a component being asked to repaint, which leaves no trace as long as no window is on the screen. */
-class RepaintListener : public juce::CachedComponentImage
-{
-public:
-    /** The component owns the listener, up to its own end. */
-    static void listenTo (juce::Component& component, std::function<void()> heard)
-    {
-        auto* listener = new RepaintListener;
-        component.setCachedComponentImage (listener); // which repaints it
-        listener->onRepaint = std::move (heard);
-    }
-
-    void paint (juce::Graphics&) override {}
-    void releaseResources() override {}
-    bool invalidate (const juce::Rectangle<int>&) override { return invalidateAll(); }
-    bool invalidateAll() override
-    {
-        onRepaint();
-        return true;
-    }
-
-private:
-    std::function<void()> onRepaint = [] {};
-};
 } // namespace tarvelline::test

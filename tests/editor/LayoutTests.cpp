@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/editor/EditorRig.h"
-#include "tests/support/DrawnText.h"
 #include "tests/support/PixelMeters.h"
 
 namespace tarvelline::test
@@ -8,23 +7,6 @@ namespace tarvelline::test
 namespace
 {
 using juce::Rectangle;
-
-// A half mode that squeezes the whole design, one factor for both axes, or edges rounded instead of sizes.
-TEST (Layout, ScalesEachAxisByItself)
-{
-    for (const auto& [height, full, control, bounds] :
-         { std::tuple { 576, true, "mainWheelSlider", Rectangle<int> (92, 66, 330, 330) },
-           { 576, false, "pitchDial", { 145, 119, 223, 223 } },
-           { 576, false, "midiModeButton", { 12, 515, 63, 48 } },
-           { 576, false, "pitchGravitySlider", { 85, 422, 77, 77 } },
-           { 288, true, "sizeButton", { 236, 165, 19, 48 } },
-           { 288, false, "mainWheelSlider", { 46, 33, 165, 165 } },
-           { 400, false, "mainWheelSlider", { 63, 45, 229, 229 } },
-           { 400, false, "mixerSlider", { 310, 350, 33, 33 } },
-           { 258, true, "keyboard", { 40, 236, 150, 16 } },
-           { 258, true, "timbreDial", { 294, 54, 99, 99 } } })
-        EXPECT_EQ (EditorRig (height, full).control (control).getBounds(), bounds) << control << " at " << height;
-}
 
 // Circles stretched to ellipses where a host forces other proportions, and proportions "mended" that are right as hosts round.
 TEST (Layout, KeepsItsProportionsInForcedBounds)
@@ -44,24 +26,6 @@ TEST (Layout, KeepsItsProportionsInForcedBounds)
         const auto around =
             pictureOf (*rig.editor).getPixelAt (0, window.getHeight() - 1); // ground, not the panel's lower edge
         EXPECT_EQ (luminance (around) > 0.15, window.getWidth() != 356) << window.toString();
-    }
-}
-
-// A dial over the wheel, whose puck it would hide; both dials on one wheel.
-TEST (Dials, LieUnderTheirWheelsAndFollowThem)
-{
-    EditorRig rig (288, true);
-
-    for (const auto& [dial, wheel, record] : { std::tuple { "pitchDial", "mainWheelSlider", &rig.processor.mainWheel },
-                                               { "timbreDial", "timbreWheelSlider", &rig.processor.timbWheel } })
-    {
-        EXPECT_LT (rig.editor->getIndexOfChildComponent (&rig.control (dial)),
-                   rig.editor->getIndexOfChildComponent (&rig.control (wheel)));
-        record->point = 0.75;
-        ((juce::Timer&) rig.control<FollowDial> (dial)).timerCallback(); // a private base, which only this cast reaches
-        EXPECT_EQ (wordsOf (rig.control (dial)), std::vector<juce::String> { "3.00" }) << dial;
-        record->point = 0.5;
-        ((juce::Timer&) rig.control<FollowDial> (dial)).timerCallback();
     }
 }
 

@@ -59,8 +59,10 @@ TEST (Accessibility, AScreenReaderHearsWhatTheEyeSees)
     EditorRig rig;
     rig.set (parameterId::midiOptions, 0.0f);
     rig.choose ("pitchRangeBox", 4);
-    rig.send ({ 0x90, 61, 100 });
-    rig.send ({ 0x90, 67, 100 });
+
+    for (const auto note : std::initializer_list<juce::uint8> { 36, 61, 83, 84 }) // the last is beyond the strip
+        rig.send ({ 0x90, note, 100 });
+
     rig.playBlock (8);
     rig.processor.mainWheel.point = 0.75;
     ((juce::Timer&) rig.control<FollowDial> ("pitchDial")).timerCallback(); // a private base, hence this form of cast
@@ -68,7 +70,7 @@ TEST (Accessibility, AScreenReaderHearsWhatTheEyeSees)
     EXPECT_EQ (spoken<ModeButton> (rig, "midiModeButton"), "MIDI note mode: Multi");
     EXPECT_EQ (spoken<MyComboBox> (rig, "pitchRangeBox"), "Pitch range in semitones: 24");
     EXPECT_EQ (spoken<FollowDial> (rig, "pitchDial"), "Sounding pitch shift: 6.00 semitones");
-    EXPECT_EQ (spoken<Keyboard> (rig, "keyboard"), "Held notes: C#4 G4");
+    EXPECT_EQ (spoken<Keyboard> (rig, "keyboard"), "Held notes: C2 C#4 B5");
 }
 } // namespace
 } // namespace tarvelline::test

@@ -9,16 +9,13 @@ namespace tarvelline::test
 {
 namespace
 {
-constexpr auto pi = juce::MathConstants<float>::pi;
-
 struct DialRig
 {
-    explicit DialRig (int width = 222, int height = 222)
+    DialRig()
     {
         wheel.timeScale = 1.0;
         dial.follow (wheel, {});
-        dial.setRotaryParameters ({ 1.2f * pi, 2.8f * pi, true });
-        dial.setSize (width, height);
+        dial.setSize (222, 222);
     }
 
     WheelRecord wheel;
@@ -34,22 +31,22 @@ void tick (FollowDial& dial, int times = 1)
 
 // The wheel's value instead of its moving point, semitones from one end instead of the centre, a trimmed number, a zero with
 // a sign.
-TEST (FollowDial, ShowsTheShiftAndTurnsWithIt)
+TEST (FollowDial, ShowsTheShift)
 {
-    for (const auto& [point, span, text, angle] : { std::tuple { 0.5, 24.0, "0.00", 0.0f },
-                                                    { 1.0, 48.0, "24.00", 0.8f * pi },
-                                                    { 0.0, 2.0, "-1.00", -0.8f * pi },
-                                                    { 0.21, 12.0, "-3.48", -0.464f * pi },
-                                                    { 0.4999, 12.0, "0.00", -0.00016f * pi } })
+    for (const auto& [point, span, text] : { std::tuple { 0.5, 24.0, "0.00" },
+                                             { 1.0, 48.0, "24.00" },
+                                             { 0.0, 2.0, "-1.00" },
+                                             { 0.21, 12.0, "-3.48" },
+                                             { 0.4999, 12.0, "0.00" } })
     {
         DialRig rig;
         rig.wheel.point = point;
         rig.wheel.span = span;
         tick (rig.dial);
-        EXPECT_EQ (wordsOf (rig.dial), std::vector<juce::String> { text });
-
-        const auto mark = centreOf (pictureOf (rig.dial), rig.dial.getLocalBounds(), isOrange); // the ring's index
-        EXPECT_NEAR (juce::Point<float> (111.0f, 111.0f).getAngleToPoint (mark), angle, 0.01f) << text;
+        const auto number = textsOf (rig.dial).at (0);
+        EXPECT_EQ (number.text, text);
+        EXPECT_TRUE (number.typeface.startsWith ("Sci Fied 2002")); // Windows adds its style
+        EXPECT_EQ (number.colour, juce::Colour (0xfff5f5f5).withAlpha (0.4f));
     }
 }
 
@@ -63,17 +60,6 @@ TEST (FollowDial, IsAsSharpAsAFineScreen)
     EXPECT_EQ (differingPixels (pictureOf (rig.dial, 2.0f).getClippedImage (aboveTheNumber),
                                 picture.getClippedImage (aboveTheNumber), 2),
                0);
-}
-
-TEST (FollowDial, WritesInTheDisplayFaceInTheMiddle)
-{
-    DialRig rig (300, 240);
-    const auto number = textsOf (rig.dial).at (0);
-    EXPECT_TRUE (number.typeface.startsWith ("Sci Fied 2002")); // Windows adds its style
-    EXPECT_NEAR (number.height, 40.0f, 0.01f);
-    EXPECT_NEAR ((number.left + number.right) / 2.0f, 150.0f, 1.0f);
-    EXPECT_NEAR (number.baseline, 120.0f + 0.35f * 40.0f, 5.0f);
-    EXPECT_EQ (number.colour, juce::Colour (0xfff5f5f5).withAlpha (0.4f));
 }
 
 // A line that comes back, flashes at once, or names another format. The blank that stands for a missing name cannot be seen.

@@ -3,7 +3,6 @@
 #include "tests/support/PixelMeters.h"
 #include "widgets/MainRotaryDraw.h"
 #include "widgets/RotaryDisplayTick.h"
-#include "widgets/RotaryTick.h"
 #include "widgets/SnapSlider.h"
 
 #include "BinaryData.h"
@@ -35,13 +34,6 @@ struct Rotary
 
     juce::Point<float> centre() const { return slider.getLocalBounds().toFloat().getCentre(); }
 
-    /** Where the pixels that pass lie, from the slider's centre, when it is turned back to the top. */
-    juce::Point<float> turnedBack (const PixelTest& passes)
-    {
-        const auto at = centreOf (pictureOf (slider), slider.getLocalBounds(), passes) - centre();
-        return at.rotatedAboutOrigin (-startAngle - static_cast<float> (slider.getValue()) * sweep);
-    }
-
     /** Lit runs at a radius, in shares of the width, over the whole circle from below. */
     std::vector<float> runsAt (float radius)
     {
@@ -53,27 +45,6 @@ struct Rotary
     SnapSlider slider;
 };
 
-class AtValue : public testing::TestWithParam<float>
-{
-};
-
-INSTANTIATE_TEST_SUITE_P (Table, AtValue, testing::Values (0.0f, 0.2f, 0.5f, 0.75f, 1.0f));
-
-// A puck that turns the wrong way, stays upright on its way round, leaves the circle, or does not grow with its wheel.
-TEST_P (AtValue, PuckIsOnItsCircleAndPointsOutward)
-{
-    for (const auto& [width, height, scale] : { std::tuple { 356, 356, 1.0f }, { 712, 712, 2.0f } })
-    {
-        Rotary<MainRotaryDraw> wheel (width, height, GetParam());
-        const auto body = wheel.turnedBack (isInk), bar = wheel.turnedBack (isOrange);
-        EXPECT_NEAR (body.x, 0.0f, 1.5f * scale);
-        EXPECT_NEAR (body.y, -0.416f * static_cast<float> (height),
-                     3.0f * scale); // the drop is heavier at its round end
-        EXPECT_NEAR (bar.x, 0.0f, 3.0f * scale);
-        EXPECT_NEAR (bar.y - body.y, -12.5f * scale, 2.0f * scale);
-    }
-}
-
 // A puck enlarged on a fine screen. At this size its picture for it lies on whole pixels, cut at the top.
 TEST (Puck, IsAsSharpAsAFineScreen)
 {
@@ -81,18 +52,6 @@ TEST (Puck, IsAsSharpAsAFineScreen)
     Rotary<MainRotaryDraw> wheel (356, 250, 0.5f);
     const auto shown = pictureOf (wheel.slider, 2.0f).getClippedImage ({ 301, 0, 110, 101 });
     EXPECT_EQ (differingPixels (shown, picture.getClippedImage ({ 0, 17, 110, 101 }), 2), 0);
-}
-
-// A bar as long as the knob, one that starts at the centre, or one that is turned by a right angle.
-TEST_P (AtValue, PointerBarLiesAlongItsAngle)
-{
-    Rotary<RotaryTick> knob (400, 400, GetParam());
-    const auto middle = knob.turnedBack (isInk);
-    EXPECT_NEAR (middle.x, 0.0f, 0.6f);
-    EXPECT_NEAR (middle.y, -0.325f * 400.0f, 0.5f);
-
-    knob.slider.setValue (0.5);
-    EXPECT_EQ (boundsOf (pictureOf (knob.slider), isInk), juce::Rectangle<int> (190, 20, 20, 100));
 }
 
 std::vector<juce::String> integers (int last, int stride)
