@@ -49,6 +49,21 @@ struct EditorRig : ProcessorRig
         control<juce::ComboBox> (id).setSelectedItemIndex (index, juce::sendNotificationSync);
     }
 
+    /** What the dials' own timers do every 20 ms, without the wait. */
+    void tickDials (int times = 1)
+    {
+        for (auto i = 0; i < times; ++i)
+            for (const auto* dial : { "pitchDial", "timbreDial" })
+                ((juce::Timer&) control<FollowDial> (dial)).timerCallback(); // a private base, hence this form of cast
+    }
+
+    /** The sound of a wheel stands somewhere, 0..1, and its dial shows it. */
+    void followTo (const juce::String& side, double point)
+    {
+        (side == "pitch" ? processor.mainWheel : processor.timbWheel).point = point;
+        tickDials();
+    }
+
     /** The value read-out above a knob: the topmost control, the corner to drag aside. */
     juce::Label& readOut()
     {

@@ -64,8 +64,7 @@ TEST (Accessibility, AScreenReaderHearsWhatTheEyeSees)
         rig.send ({ 0x90, note, 100 });
 
     rig.playBlock (8);
-    rig.processor.mainWheel.point = 0.75;
-    ((juce::Timer&) rig.control<FollowDial> ("pitchDial")).timerCallback(); // a private base, hence this form of cast
+    rig.followTo ("pitch", 0.75);
 
     EXPECT_EQ (spoken<ModeButton> (rig, "midiModeButton"), "MIDI note mode: Multi");
     EXPECT_EQ (spoken<MyComboBox> (rig, "pitchRangeBox"), "Pitch range in semitones: 24");

@@ -2,8 +2,11 @@
 // What the whole window shows and where it answers, in both sizes and on screens of both kinds, measured in its picture. The
 // places are written down here, in units of a window of 1024 x 576.
 #include "tests/editor/EditorRig.h"
+#include "tests/support/DrawnText.h"
 #include "tests/support/PixelMeters.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <numeric>
 
@@ -15,58 +18,42 @@ using namespace parameterId;
 using Place = juce::Point<float>;
 using Area = juce::Rectangle<float>;
 
-/** A mark that turns about a place. */
-struct Mark
+/** Something at a place of its own. */
+struct Thing
 {
-    const char* parameter; // nullptr: the sound of the wheel at this place turns it
-    Place centre;
-    float radius; // of the circle on which its middle goes
-    float surface;
-    double contrast; // with what it covers, at least
-};
-
-constexpr Mark marks[] = {
-    { mainWheelPar, { 257.0f, 231.0f }, 146.4f, 72.0f, 3.5 }, // the bar on the puck
-    { timbWheelPar, { 769.0f, 231.0f }, 146.4f, 72.0f, 3.5 },
-    { nullptr, { 256.7f, 230.7f }, 93.9f, 78.0f, 2.8 }, // the dial's index
-    { nullptr, { 769.0f, 231.0f }, 93.9f, 78.0f, 2.8 },
-    { mainGravityPar, { 123.5f, 460.5f }, 25.0f, 71.0f, 7.0 },
-    { timbGravityPar, { 635.5f, 460.5f }, 25.0f, 71.0f, 7.0 },
-    { mainInertiaPar, { 255.5f, 460.5f }, 25.0f, 71.0f, 7.0 },
-    { timbInertiaPar, { 767.5f, 460.5f }, 25.0f, 71.0f, 7.0 },
-    { mainSmoothPar, { 389.5f, 460.5f }, 25.0f, 71.0f, 7.0 },
-    { timbSmoothPar, { 901.5f, 460.5f }, 25.0f, 71.0f, 7.0 },
-    { mixerPar, { 470.5f, 527.5f }, 15.3f, 26.0f, 5.5 },
-};
-
-/** What the mouse reaches. */
-struct Control
-{
-    const char* id;
+    const char* id; // of what the mouse reaches there; nullptr: nothing
     Area area;
-    double outline = 0.0; // the artwork around it is darker than this; 0: nothing stands around it
+    double outline = 0.0; // the artwork around it is darker than this; 0: none stands around it
+
+    // The mark that turns about its middle, if there is one:
+    const char* parameter = nullptr; // that turns it
+    float radius = 0.0f;             // of the circle on which its own middle goes
+    float surface = 0.0f;
+    double contrast = 0.0; // with what it covers, at least
 };
 
-const Control controls[] = {
+// clang-format off
+const Thing things[] = {
     { "pitchRangeBox", { 24.0f, 22.0f, 74.0f, 50.0f }, 0.009 },
     { "timbreRangeBox", { 536.0f, 22.0f, 74.0f, 50.0f }, 0.009 },
     { "pitchSnapButton", { 416.0f, 22.0f, 74.0f, 50.0f }, 0.009 },
     { "timbreSnapButton", { 928.0f, 22.0f, 74.0f, 50.0f }, 0.009 },
     { "midiModeButton", { 12.0f, 515.0f, 63.0f, 48.0f }, 0.009 },
     { "sizeButton", { 472.0f, 331.0f, 39.0f, 96.0f } },
-    { "mainWheelSlider", { 92.0f, 66.0f, 330.0f, 330.0f } },
-    { "timbreWheelSlider", { 604.0f, 66.0f, 330.0f, 330.0f } },
-    { "pitchGravitySlider", { 85.0f, 422.0f, 77.0f, 77.0f }, 0.03 },
-    { "timbreGravitySlider", { 597.0f, 422.0f, 77.0f, 77.0f }, 0.03 },
-    { "pitchInertiaSlider", { 217.0f, 422.0f, 77.0f, 77.0f }, 0.03 },
-    { "timbreInertiaSlider", { 729.0f, 422.0f, 77.0f, 77.0f }, 0.03 },
-    { "pitchSmoothSlider", { 351.0f, 422.0f, 77.0f, 77.0f }, 0.03 },
-    { "timbreSmoothSlider", { 863.0f, 422.0f, 77.0f, 77.0f }, 0.03 },
-    { "mixerSlider", { 447.0f, 504.0f, 47.0f, 47.0f }, 0.03 },
+    { nullptr, { 89.0f, 526.0f, 335.0f, 36.0f }, 0.009 }, // the piano
+    { "mainWheelSlider", { 92.0f, 66.0f, 330.0f, 330.0f }, 0.0, mainWheelPar, 146.4f, 72.0f, 3.5 },
+    { "timbreWheelSlider", { 604.0f, 66.0f, 330.0f, 330.0f }, 0.0, timbWheelPar, 146.4f, 72.0f, 3.5 },
+    { nullptr, { 174.0f, 148.0f, 165.0f, 165.0f }, 0.0025, "pitch", 93.9f, 78.0f, 2.8 }, // the dials' black discs; their
+    { nullptr, { 686.0f, 148.0f, 165.0f, 165.0f }, 0.0025, "timbre", 93.9f, 78.0f, 2.8 }, // marks turn with the sound
+    { "pitchGravitySlider", { 85.0f, 422.0f, 77.0f, 77.0f }, 0.03, mainGravityPar, 25.0f, 71.0f, 7.0 },
+    { "timbreGravitySlider", { 597.0f, 422.0f, 77.0f, 77.0f }, 0.03, timbGravityPar, 25.0f, 71.0f, 7.0 },
+    { "pitchInertiaSlider", { 217.0f, 422.0f, 77.0f, 77.0f }, 0.03, mainInertiaPar, 25.0f, 71.0f, 7.0 },
+    { "timbreInertiaSlider", { 729.0f, 422.0f, 77.0f, 77.0f }, 0.03, timbInertiaPar, 25.0f, 71.0f, 7.0 },
+    { "pitchSmoothSlider", { 351.0f, 422.0f, 77.0f, 77.0f }, 0.03, mainSmoothPar, 25.0f, 71.0f, 7.0 },
+    { "timbreSmoothSlider", { 863.0f, 422.0f, 77.0f, 77.0f }, 0.03, timbSmoothPar, 25.0f, 71.0f, 7.0 },
+    { "mixerSlider", { 447.0f, 504.0f, 47.0f, 47.0f }, 0.03, mixerPar, 15.3f, 26.0f, 5.5 },
 };
-
-const Area piano (89.0f, 526.0f, 335.0f, 36.0f);
-const Area dials[] = { { 174.0f, 148.0f, 165.0f, 165.0f }, { 686.0f, 148.0f, 165.0f, 165.0f } }; // their black discs
+// clang-format on
 
 struct View
 {
@@ -78,7 +65,14 @@ struct View
 class Window : public testing::TestWithParam<View>
 {
 protected:
-    bool shows (float x) const { return GetParam().full || x < 512.0f; }
+    /** What the window's size shows of them. */
+    std::vector<Thing> shown() const
+    {
+        std::vector<Thing> result;
+        std::copy_if (std::begin (things), std::end (things), std::back_inserter (result),
+                      [] (const Thing& thing) { return GetParam().full || thing.area.getX() < 512.0f; });
+        return result;
+    }
 
     juce::Image picture()
     {
@@ -86,13 +80,6 @@ protected:
             rig.editor->timerCallback();
 
         return pictureOf (*rig.editor, GetParam().scale);
-    }
-
-    void tickDials (int times = 1)
-    {
-        for (auto i = 0; i < times; ++i)
-            for (const auto* dial : { "pitchDial", "timbreDial" })
-                ((juce::Timer&) rig.control<FollowDial> (dial)).timerCallback(); // a private base, hence this cast
     }
 
     /** The middles of the pixels whose colours, in two pictures, pass. */
@@ -120,12 +107,10 @@ protected:
                                    .expanded (0.5f / unit);
     }
 
-    void expectEqual (Area found, Area expected, float tolerance, const char* what) const
+    void expectEqual (Area found, Area expected, const char* what) const
     {
-        EXPECT_NEAR (found.getX(), expected.getX(), tolerance) << what;
-        EXPECT_NEAR (found.getY(), expected.getY(), tolerance) << what;
-        EXPECT_NEAR (found.getRight(), expected.getRight(), tolerance) << what;
-        EXPECT_NEAR (found.getBottom(), expected.getBottom(), tolerance) << what;
+        for (const auto corner : { &Area::getTopLeft, &Area::getBottomRight })
+            EXPECT_LE ((found.*corner)().getDistanceFrom ((expected.*corner)()), slack) << what << found.toString();
     }
 
     EditorRig rig { GetParam().height, GetParam().full };
@@ -140,47 +125,47 @@ INSTANTIATE_TEST_SUITE_P (Views, Window,
                                            View { 288, true, 1.0f }, View { 258, false, 2.0f }));
 
 // A pointer off its knob, on another's parameter or as pale as its ground; a dial that follows the other wheel; a puck that
-// stands upright on its way round, or is enlarged on a fine screen.
+// stands upright on its way round, or does not grow with its wheel.
 TEST_P (Window, TurnsEachMarkAboutItsPlace)
 {
+    const auto all = shown();
     const auto share = [] (size_t mark, int step)
-    { return std::fmod (0.13f + 0.37f * static_cast<float> (mark) + 0.29f * static_cast<float> (step), 1.0f); };
+    { return std::fmod (0.37f * static_cast<float> (mark) + 0.29f * static_cast<float> (step), 1.0f); };
     juce::Image before;
 
     for (auto step = 0; step < 5; ++step)
     {
-        for (size_t i = 0; i < std::size (marks); ++i)
-            if (marks[i].parameter != nullptr)
-                rig.set (marks[i].parameter, share (i, step));
+        for (size_t i = 0; i < all.size(); ++i)
+            if (all[i].parameter != nullptr && all[i].id != nullptr)
+                rig.set (all[i].parameter, share (i, step));
+            else if (all[i].parameter != nullptr)
+                rig.followTo (all[i].parameter, share (i, step));
 
-        rig.processor.mainWheel.point = share (2, step);
-        rig.processor.timbWheel.point = share (3, step);
-        tickDials();
         const auto now = picture();
 
-        for (size_t i = 0; i < std::size (marks) && step > 0; ++i)
+        for (size_t i = 0; i < all.size() && step > 0; ++i)
         {
-            const auto& mark = marks[i];
+            const auto& thing = all[i];
 
-            if (! shows (mark.centre.x))
+            if (thing.parameter == nullptr)
                 continue;
 
+            SCOPED_TRACE (testing::Message() << thing.parameter << ", " << step);
             const auto angle = (1.2f + 1.6f * share (i, step)) * juce::MathConstants<float>::pi;
-            const auto place = mark.centre.getPointOnCircumference (mark.radius, angle);
-            const auto ink = find (Area (32.0f, 32.0f).withCentre (place), now, before,
-                                   [&] (juce::Colour is, juce::Colour was) {
-                                       return is != was && (mark.radius > 50.0f ? isOrange (is) : luminance (is) > 0.4);
-                                   });
-            ASSERT_FALSE (ink.empty()) << i << ' ' << step;
+            const auto place = thing.area.getCentre().getPointOnCircumference (thing.radius, angle);
+            const auto ink =
+                find (Area (32.0f, 32.0f).withCentre (place), now, before,
+                      [&] (juce::Colour is, juce::Colour was)
+                      { return is != was && (thing.radius > 50.0f ? isOrange (is) : luminance (is) > 0.4); });
+            ASSERT_FALSE (ink.empty());
+
             const auto middle = std::accumulate (ink.begin(), ink.end(), Place()) / static_cast<float> (ink.size());
-            EXPECT_LE (middle.getDistanceFrom (place), slack) << i << ' ' << step;
-            EXPECT_NEAR (static_cast<float> (ink.size()) / (unit * unit * mark.surface), 1.0f, 0.04f + 0.14f / unit)
-                << i << ' ' << step;
+            EXPECT_LE (middle.getDistanceFrom (place), slack);
+            EXPECT_NEAR (static_cast<float> (ink.size()) / (unit * unit * thing.surface), 1.0f, 0.04f + 0.14f / unit);
 
             const auto pixel = (middle * unit).toInt();
             EXPECT_GE (contrastRatio (now.getPixelAt (pixel.x, pixel.y), before.getPixelAt (pixel.x, pixel.y)),
-                       mark.contrast)
-                << i << ' ' << step;
+                       thing.contrast);
         }
 
         before = now;
@@ -191,120 +176,147 @@ TEST_P (Window, TurnsEachMarkAboutItsPlace)
 // mouse, or does not answer a press.
 TEST_P (Window, AnswersWhereItsArtworkStands)
 {
-    const auto reached = [&] (Place at)
+    const auto plain = picture();
+    const auto edge = GetParam().height == 576 ? 0.4f : 1.6f * hostPixel;
+    const auto reached = [&] (Area area, Place share)
     {
-        const auto pixel = at / hostPixel;
-        const auto* found = rig.editor->getComponentAt (static_cast<int> (std::floor (pixel.x)),
-                                                        static_cast<int> (std::floor (pixel.y)));
+        const auto at = area.getRelativePoint (share.x, share.y) / hostPixel;
+        const auto* found =
+            rig.editor->getComponentAt (juce::roundToInt (std::floor (at.x)), juce::roundToInt (std::floor (at.y)));
 
         while (found != nullptr && found->getComponentID().isEmpty())
             found = found->getParentComponent();
 
         return found != nullptr ? found->getComponentID() : juce::String();
     };
-    const auto plain = picture();
-    const auto edge = GetParam().height == 576 ? 0.4f : 1.6f * hostPixel;
 
-    for (const auto& [id, area, outline] : controls)
+    for (const auto& thing : shown())
     {
-        if (! shows (area.getX()))
+        if (thing.id == nullptr)
             continue;
-
-        const auto inner = area.reduced (edge), outer = area.expanded (edge);
 
         for (const auto share : { Place (0.5f, 0.0f), { 0.5f, 1.0f }, { 0.0f, 0.5f }, { 1.0f, 0.5f } })
         {
-            EXPECT_EQ (reached (inner.getRelativePoint (share.x, share.y)), id) << share.toString();
-            EXPECT_NE (reached (outer.getRelativePoint (share.x, share.y)), id) << share.toString();
+            EXPECT_EQ (reached (thing.area.reduced (edge), share), thing.id) << share.toString();
+            EXPECT_NE (reached (thing.area.expanded (edge), share), thing.id) << share.toString();
         }
 
-        if (auto* button = dynamic_cast<juce::Button*> (&rig.control (id)))
+        if (auto* button = dynamic_cast<juce::Button*> (&rig.control (thing.id)))
         {
             button->setState (juce::Button::buttonOver);
-            EXPECT_TRUE (boundsIn (area, picture(), plain).isEmpty()) << id;
+            EXPECT_TRUE (boundsIn (thing.area, picture(), plain).isEmpty()) << thing.id;
             button->setState (juce::Button::buttonDown);
-            expectEqual (boundsIn (area.expanded (8.0f), picture(), plain), area, slack, id);
+            expectEqual (boundsIn (thing.area.expanded (8.0f), picture(), plain), thing.area, thing.id);
             button->setState (juce::Button::buttonNormal);
         }
 
-        if (outline > 0.0 && outline < 0.01)
+        if (thing.parameter == nullptr && thing.outline > 0.0)
         {
-            const auto text =
-                boundsIn (area, plain, plain, [] (juce::Colour colour, auto) { return luminance (colour) > 0.6; });
-            EXPECT_NEAR (text.getCentreX(), area.getCentreX(), 3.2f) << id;
-            EXPECT_NEAR (text.getCentreY(), area.getCentreY(), 3.2f) << id;
+            const auto text = boundsIn (thing.area, plain, plain, [] (auto is, auto) { return luminance (is) > 0.6; });
+            EXPECT_NEAR (text.getCentreX(), thing.area.getCentreX(), 3.2f) << thing.id;
+            EXPECT_NEAR (text.getCentreY(), thing.area.getCentreY(), 3.2f) << thing.id;
         }
     }
+
+    if (unit < 1.0f) // where a line is finer than a pixel it is no longer as dark
+        return;
 
     for (auto* child : rig.editor->getChildren())
         child->setVisible (false);
 
     const auto panel = picture();
-    const auto expectArtwork = [&] (Area area, Area searched, double outline, float larger, const char* id)
+
+    for (const auto& thing : shown())
     {
-        if (unit < 1.0f || outline == 0.0) // where a line is finer than a pixel it is no longer as dark
-            return;
+        const auto outline = thing.outline;
+        const auto cut = outline > 0.02 ? thing.area.getHeight() / 2.0f : 0.0f; // the arch over a knob
+        const auto dark = boundsIn (thing.area.expanded (3.0f).withTrimmedBottom (cut), panel, panel,
+                                    [=] (auto is, auto) { return luminance (is) < outline; });
 
-        const auto dark =
-            boundsIn (searched, panel, panel, [=] (juce::Colour colour, auto) { return luminance (colour) < outline; });
-        EXPECT_NEAR (dark.getCentreX(), area.getCentreX(), 1.5f) << id;
-        EXPECT_NEAR (dark.getWidth(), area.getWidth() + larger, 2.0f) << id;
-        EXPECT_NEAR (dark.getY(), area.getY() - larger / 2.0f, 2.0f) << id;
-    };
-
-    for (const auto& [id, area, outline] : controls)
-        if (shows (area.getX()))
-            expectArtwork (area,
-                           area.expanded (3.0f).withTrimmedBottom (outline > 0.01 ? area.getHeight() / 2.0f : 0.0f),
-                           outline, -3.0f, id);
-
-    expectArtwork (piano, piano.expanded (3.0f), 0.009, 2.0f, "piano");
-
-    for (const auto& dial : dials)
-        if (shows (dial.getX()))
-            expectArtwork (dial, dial.expanded (12.0f), 0.0025, 0.0f, "dial");
+        if (outline > 0.0)
+        {
+            EXPECT_LE (dark.withHeight (dark.getHeight() + cut).getCentre().getDistanceFrom (thing.area.getCentre()),
+                       3.0f)
+                << thing.area.toString();
+            EXPECT_NEAR (dark.getWidth(), thing.area.getWidth(), 5.0f) << thing.area.toString();
+        }
+    }
 }
 
-// A scale beside its wheel or for the other's range, a number or a line off the middle of its dial, keys beside the piano.
-TEST_P (Window, StandsAroundTheWheelsAndOnThePiano)
+// A scale beside its wheel or of the other's range, the last tick lost to rounding, a long tick off its step; "+0", "-12.0",
+// numbers off their ticks, or every number on a crowded scale. A plus sign is not to push the digits aside.
+TEST_P (Window, HasItsScalesAroundTheWheels)
 {
-    rig.set (mainRange, 2.0f);
-    const auto plain = picture();
-    const auto isDark = [] (juce::Colour colour) { return luminance (colour) < 0.09; };
+    constexpr auto pi = juce::MathConstants<float>::pi;
+    const auto isTick = [] (juce::Colour colour) { return luminance (colour) < 0.09; };
 
-    for (const auto& [dial, steps] : { std::pair { dials[0], 6u }, { dials[1], 12u } })
-    {
-        if (! shows (dial.getX()))
-            continue;
-
-        const auto centre = (dial.getCentre() + Place (0.5f, 0.5f)) * unit;
-        const auto ticks = litRuns (plain, centre, 184.9f * unit, isDark);
-        EXPECT_EQ (litRuns (plain, centre, 167.7f * unit, isDark).size(), 0u);
-        EXPECT_EQ (litRuns (plain, centre, 172.0f * unit, isDark).size(), steps + 1u);
-
-        if (unit > 0.6f) // else ticks are finer than pixels
+    for (auto range = 0; range < 6; ++range)
+        for (const auto& [side, index, centre] :
+             { std::tuple { "pitch", range, Place (257.0f, 231.0f) }, { "timbre", 5 - range, Place (769.0f, 231.0f) } })
         {
-            ASSERT_EQ (ticks.size(), 5 * steps + 1);
+            if (centre.x > 512.0f && ! GetParam().full)
+                continue;
 
-            for (size_t i = 0; i < ticks.size(); ++i)
-                EXPECT_NEAR (ticks[i] / juce::MathConstants<float>::pi,
-                             1.2f + 0.32f * static_cast<float> (i) / static_cast<float> (steps), 0.0012f * hostPixel);
+            rig.choose (juce::String (side) + "RangeBox", index);
+            const auto steps = static_cast<size_t> (std::array { 2, 4, 6, 12, 24, 48 }[static_cast<size_t> (index)]);
+            const auto now = picture();
+            const auto ticksAt = [&] (float radius) { return litRuns (now, centre * unit, radius * unit, isTick); };
+            EXPECT_EQ (ticksAt (167.7f).size(), 0u);
+
+            if (unit > 0.6f && unit * 24.0f > static_cast<float> (steps)) // else ticks are finer than pixels
+            {
+                const auto ticks = ticksAt (182.0f);
+                EXPECT_EQ (ticksAt (172.0f).size(), steps + 1);
+                ASSERT_EQ (ticks.size(), 5 * steps + 1);
+
+                for (size_t i = 0; i < ticks.size(); ++i)
+                    EXPECT_NEAR (ticks[i],
+                                 (1.2f + 1.6f * static_cast<float> (i) / static_cast<float> (ticks.size() - 1)) * pi,
+                                 0.004f * hostPixel);
+            }
+
+            auto& scale = rig.control (juce::String (side) + "ScaleSlider");
+            const auto size = static_cast<float> (scale.getWidth());
+            auto number = -static_cast<int> (steps) / 2;
+
+            for (const auto& text : textsOf (scale))
+            {
+                const auto tick = Place (size / 2.0f, size / 2.0f)
+                                      .getPointOnCircumference (0.46f * size, 1.6f * pi * static_cast<float> (number)
+                                                                                  / static_cast<float> (steps));
+                EXPECT_EQ (text.text, (number > 0 ? "+" : "") + juce::String (number));
+                EXPECT_NEAR ((text.left + text.right) / 2.0f, tick.x - (number > 0 ? 0.01f * size : 0.0f), 1.0f)
+                    << number;
+                EXPECT_NEAR (text.baseline, tick.y + 0.35f * text.height, 0.12f * text.height) << number;
+                EXPECT_NEAR (text.height, 0.0425f * size, 0.01f);
+                number += steps > 24 ? 2 : 1;
+            }
+
+            EXPECT_EQ (number, static_cast<int> (steps) / 2 + (steps > 24 ? 2 : 1));
         }
+}
 
-        const auto number = boundsIn (dial.reduced (20.0f, 60.0f), plain, plain,
-                                      [] (juce::Colour colour, auto) { return luminance (colour) > 0.06; });
-        expectEqual (number, Area (66.5f, 24.0f).withCentre (dial.getCentre() + Place (0.2f, 0.4f)), slack, "number");
-    }
-
-    tickDials (501);
+// A number or a line off the middle of its dial, keys beside the piano.
+TEST_P (Window, WritesIntoTheDialsAndLightsThePiano)
+{
+    const auto plain = picture();
+    rig.tickDials (501);
     rig.processor.voices.keyLit[0] = rig.processor.voices.keyLit[47] = 1;
     const auto now = picture();
-    expectEqual (boundsIn (piano.expanded (20.0f), now, plain), piano, slack, "both ends of the piano");
 
-    for (const auto& dial : dials)
-        if (shows (dial.getX()))
-            expectEqual (boundsIn (dial, now, plain),
-                         Area (81.0f, 9.5f).withCentre (dial.getCentre() + Place (0.2f, 20.7f)), slack, "line");
+    for (const auto& [id, area, outline, parameter, radius, surface, contrast] : shown())
+        if (id == nullptr && parameter == nullptr)
+        {
+            expectEqual (boundsIn (area.expanded (20.0f), now, plain), area, "both ends of the piano");
+        }
+        else if (id == nullptr)
+        {
+            const auto number = boundsIn (area.reduced (20.0f, 60.0f), plain, plain,
+                                          [] (auto is, auto) { return luminance (is) > 0.06; });
+            expectEqual (number, Area (66.5f, 24.0f).withCentre (area.getCentre() + Place (0.2f, 0.4f)), parameter);
+            expectEqual (boundsIn (area, now, plain),
+                         Area (80.5f, 9.5f).withCentre (area.getCentre() + Place (0.25f, 20.75f)), parameter);
+        }
 }
 } // namespace
 } // namespace tarvelline::test

@@ -53,7 +53,10 @@ TEST (Snap, AddsSmoothScrollingUpToNotches)
         return juce::roundToInt ((slider.getValue() - 0.5) / slider.freeStep);
     };
 
-    for (const auto steps : { 0, 0, 0, 1, 1, 1, 1, 2 }) // a fourth of a notch each
+    for (const auto down : { 0, 0, 0, 1 }) // a fourth of a notch each
+        EXPECT_EQ (scroll (0.0f, -12.5f / 256.0f, false, true), -down);
+
+    for (const auto steps : { -1, -1, -1, 0, 0, 0, 0, 1, 1, 1, 1, 2 })
         EXPECT_EQ (scroll (0.0f, 12.5f / 256.0f, false, true), steps);
 
     EXPECT_EQ (scroll (0.0f, 40.0f / 256.0f, false, true), 2);

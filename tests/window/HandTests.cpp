@@ -246,5 +246,20 @@ TEST (Focus, ShowsARingAroundEveryControlInTurnUntilItLeaves)
         EXPECT_EQ (changedIn (plain.getBounds()), 0);
     }
 }
+
+// A program of the plug-in's own whose window holds the keyboard, with no way from there to the controls.
+TEST (Focus, GoesOnFromTheProgramsOwnWindow)
+{
+    juce::Component window;
+    EditorRig rig;
+    window.setBounds (rig.editor->getLocalBounds());
+    window.addAndMakeVisible (*rig.editor);
+    window.setWantsKeyboardFocus (true);
+    window.addToDesktop (0);
+    window.setVisible (true);
+    EXPECT_TRUE (pumpMessagesUntil ([] { return ! HostWindow::screen->openWindows().empty(); }));
+    HostWindow::screen->focusTopmostWindow();
+    EXPECT_TRUE (pumpMessagesUntil ([&] { return rig.editor->hasKeyboardFocus (false); }));
+}
 } // namespace
 } // namespace tarvelline::test
