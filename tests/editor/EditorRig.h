@@ -2,6 +2,7 @@
 #pragma once
 
 #include "editor/TarvellineAudioProcessorEditor.h"
+#include "tests/support/PixelMeters.h"
 #include "tests/support/ProcessorRig.h"
 
 #include <gtest/gtest.h>
@@ -47,6 +48,15 @@ struct EditorRig : ProcessorRig
     void choose (const juce::String& id, int index)
     {
         control<juce::ComboBox> (id).setSelectedItemIndex (index, juce::sendNotificationSync);
+    }
+
+    /** What shows where no control does; all are gone then. */
+    juce::Image panel (float scale = 1.0f)
+    {
+        for (auto* child : editor->getChildren())
+            child->setVisible (false);
+
+        return pictureOf (*editor, scale);
     }
 
     /** What the dials' own timers do every 20 ms, without the wait. */

@@ -114,6 +114,7 @@ protected:
     }
 
     EditorRig rig { GetParam().height, GetParam().full };
+    const juce::Image panel = EditorRig (GetParam().height, GetParam().full).panel (GetParam().scale);
     const float hostPixel = 576.0f / static_cast<float> (GetParam().height); // in units; controls lie on whole ones
     const float unit = GetParam().scale / hostPixel;                         // in pixels of the screen
     const float slack = GetParam().height == 576 ? 1.2f : 2.2f * hostPixel;
@@ -221,11 +222,6 @@ TEST_P (Window, AnswersWhereItsArtworkStands)
     if (unit < 1.0f) // where a line is finer than a pixel it is no longer as dark
         return;
 
-    for (auto* child : rig.editor->getChildren())
-        child->setVisible (false);
-
-    const auto panel = picture();
-
     for (const auto& thing : shown())
     {
         const auto outline = thing.outline;
@@ -275,6 +271,15 @@ TEST_P (Window, HasItsScalesAroundTheWheels)
                                  0.004f * hostPixel);
             }
 
+            for (const auto& ink : { juce::Colour (0xff203040), juce::Colour (0xfffaebd7) }) // of ticks and numbers
+            {
+                const auto area = Area (430.0f, 430.0f).withCentre (centre);
+                const auto isPale = [=] (auto is, auto was) { return is == ink && contrastRatio (is, was) < 3.0; };
+                EXPECT_TRUE (find (area, now, panel, isPale).empty()) << ink.toString() << ' ' << range;
+                EXPECT_TRUE (unit < 1.0f
+                             || ! find (area, now, panel, [=] (auto is, auto) { return is == ink; }).empty());
+            }
+
             auto& scale = rig.control (juce::String (side) + "ScaleSlider");
             const auto size = static_cast<float> (scale.getWidth());
             auto number = -static_cast<int> (steps) / 2;
@@ -317,6 +322,47 @@ TEST_P (Window, WritesIntoTheDialsAndLightsThePiano)
             expectEqual (boundsIn (area, now, plain),
                          Area (80.5f, 9.5f).withCentre (area.getCentre() + Place (0.25f, 20.75f)), parameter);
         }
+}
+
+// Lettering that drowns in the panel, smeared over two pixels by its place or too thin for its size; labels of one row on
+// different baselines. Its strokes' cores are the darkest quarter of the area that its ink spans.
+TEST_P (Window, LettersThePanelLegiblyOnEvenBaselines)
+{
+    const std::pair<Area, float> labels[] = {
+        { { 220.0f, 6.0f, 74.0f, 16.0f }, 20.0f },     { { 732.0f, 6.0f, 74.0f, 16.0f }, 20.0f },
+        { { 14.0f, 74.0f, 78.0f, 16.0f }, 88.0f },     { { 526.0f, 74.0f, 78.0f, 16.0f }, 88.0f },
+        { { 422.0f, 74.0f, 62.0f, 16.0f }, 88.0f },    { { 934.0f, 74.0f, 62.0f, 16.0f }, 88.0f },
+        { { 84.0f, 500.0f, 78.0f, 16.0f }, 512.0f },   { { 596.0f, 500.0f, 78.0f, 16.0f }, 512.0f },
+        { { 216.0f, 500.0f, 78.0f, 16.0f }, 512.0f },  { { 728.0f, 500.0f, 78.0f, 16.0f }, 512.0f },
+        { { 350.0f, 500.0f, 78.0f, 16.0f }, 512.0f },  { { 862.0f, 500.0f, 78.0f, 16.0f }, 512.0f },
+        { { 14.0f, 498.0f, 60.0f, 16.0f }, 512.0f },   { { 444.0f, 554.0f, 52.0f, 16.0f }, 566.0f },
+        { { 202.0f, 366.0f, 108.0f, 18.0f }, 382.0f }, { { 660.0f, 548.0f, 216.0f, 18.0f }, 562.0f },
+    };
+
+    for (const auto& [area, baseline] : labels)
+    {
+        std::vector<double> lights;
+        const auto collect = [&] (auto is, auto)
+        {
+            lights.push_back (luminance (is));
+            return false;
+        };
+
+        if (area.getX() > 512.0f && ! GetParam().full)
+            continue;
+
+        find (area, panel, panel, collect);
+        std::sort (lights.begin(), lights.end());
+        const auto ground = lights[lights.size() / 2];
+        const auto ink = boundsIn (area, panel, panel, [=] (auto is, auto) { return luminance (is) < ground / 2.0; });
+        lights.clear();
+        find (ink, panel, panel, collect);
+        std::sort (lights.begin(), lights.end());
+        lights.resize (lights.size() / 4);
+        const auto core = std::accumulate (lights.begin(), lights.end(), 0.0) / static_cast<double> (lights.size());
+        EXPECT_GE ((ground + 0.05) / (core + 0.05), unit < 1.0f ? 3.0 : 4.5) << area.toString();
+        EXPECT_NEAR (ink.getBottom(), baseline, 0.6f) << area.toString();
+    }
 }
 } // namespace
 } // namespace tarvelline::test

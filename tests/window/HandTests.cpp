@@ -184,9 +184,10 @@ TEST (Focus, StaysWithTheHostWhateverIsClicked)
             if (child != &hand.map.control ("sizeButton"))
             {
                 const auto isBox = dynamic_cast<juce::ComboBox*> (child) != nullptr;
+                const auto isOpen = [&] (size_t menus) { return screen.openWindows().size() == windows + menus; };
                 hand.click (child->getBounds().getCentre());
-                hand.run (isBox ? 300 : 0);
-                EXPECT_EQ (screen.openWindows().size(), windows + (isBox ? 1 : 0)) << "the menu opens";
+                EXPECT_TRUE (hand.runUntil ([&] { return isOpen (isBox ? 1 : 0); })) << "the menu opens";
+                hand.run (isBox ? 100 : 0);
 
                 if (isBox && handedOn)
                     hand.type ("Escape");
@@ -194,7 +195,7 @@ TEST (Focus, StaysWithTheHostWhateverIsClicked)
                     hand.drag ({ 700, 400 }, { 700, 400 });
 
                 hand.run (60);
-                EXPECT_EQ (screen.openWindows().size(), windows) << "and closes";
+                EXPECT_TRUE (hand.runUntil ([&] { return isOpen (0); })) << "and closes";
                 EXPECT_EQ (screen.keyboardOwner(), owner) << child->getTitle();
                 EXPECT_FALSE (isOrange (hand.picture().getPixelAt (child->getBounds().getCentreX(), child->getY())));
             }
@@ -220,10 +221,13 @@ TEST (Focus, ShowsARingAroundEveryControlInTurnUntilItLeaves)
         for (const auto* control : stops)
         {
             hand.type ("Tab");
-            hand.run (60);
             const auto ring = control->getBounds();
-            EXPECT_GT (changedIn (ring.expanded (2)), ring.getWidth() + ring.getHeight()) << control->getTitle();
-            EXPECT_EQ (changedIn (ring.expanded (2)), changedIn (plain.getBounds())) << control->getTitle();
+            const auto isRinged = [&]
+            {
+                const auto changed = changedIn (ring.expanded (2));
+                return changed > ring.getWidth() + ring.getHeight() && changed == changedIn (plain.getBounds());
+            };
+            EXPECT_TRUE (hand.runUntil (isRinged)) << control->getTitle();
             EXPECT_TRUE (ring.getY() >= height || control == stops.front()) << control->getTitle();
             height = ring.getY();
 
@@ -238,12 +242,11 @@ TEST (Focus, ShowsARingAroundEveryControlInTurnUntilItLeaves)
         HostWindow::screen->pressKey ("Shift_L", true);
         hand.type ("Tab");
         HostWindow::screen->pressKey ("Shift_L", false);
-        hand.run (60);
-        EXPECT_GT (changedIn (stops[count - 1]->getBounds()), 0) << "Shift goes back";
+        const auto& last = *stops[count - 1];
+        EXPECT_TRUE (hand.runUntil ([&] { return changedIn (last.getBounds()) > 0; })) << "Shift goes back";
 
         HostWindow::screen->focusWindowAt (1, 1); // the desktop
-        hand.run (100);
-        EXPECT_EQ (changedIn (plain.getBounds()), 0);
+        EXPECT_TRUE (hand.runUntil ([&] { return changedIn (plain.getBounds()) == 0; }));
     }
 }
 
