@@ -186,12 +186,6 @@ TEST (Knob, ShapesItsWheelAtOnce)
     }
 }
 
-void tick (EditorRig& rig, int times)
-{
-    for (auto i = 0; i < times; ++i)
-        rig.editor->timerCallback();
-}
-
 TEST (ReadOut, StaysTwentyFiveTicksFromTheLastMoveOrUntilAResize)
 {
     EditorRig rig;
@@ -200,11 +194,11 @@ TEST (ReadOut, StaysTwentyFiveTicksFromTheLastMoveOrUntilAResize)
     EXPECT_FALSE (rig.readOut().isVisible());
 
     rig.turn ("mixerSlider", 0.3);
-    tick (rig, 17);
+    rig.tick (17);
     rig.turn ("mixerSlider", 0.4);
-    tick (rig, 24);
+    rig.tick (24);
     EXPECT_TRUE (rig.readOut().isVisible());
-    tick (rig, 1);
+    rig.tick (1);
     EXPECT_FALSE (rig.readOut().isVisible());
 
     rig.turn ("mixerSlider", 0.5);

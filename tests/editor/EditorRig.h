@@ -59,6 +59,12 @@ struct EditorRig : ProcessorRig
         return pictureOf (*editor, scale);
     }
 
+    void tick (int times)
+    {
+        for (auto i = 0; i < times; ++i)
+            editor->timerCallback();
+    }
+
     /** What the dials' own timers do every 20 ms, without the wait. */
     void tickDials (int times = 1)
     {

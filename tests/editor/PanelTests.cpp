@@ -5,10 +5,6 @@
 
 #include "BinaryData.h"
 
-#include <algorithm>
-#include <cstdlib>
-#include <vector>
-
 namespace tarvelline::test
 {
 namespace

@@ -73,10 +73,7 @@ TEST (InfoLine, ShowsFromTenSecondsForSixAndFades)
         rig.tickDials (500);
         EXPECT_EQ (opacity(), 0.0f) << "10 s: the number alone";
         rig.tickDials();
-        const auto line = textsOf (dial).at (1);
-        EXPECT_EQ (line.text, text);
-        EXPECT_NEAR (line.height, 223.0f * 0.0625f, 0.01f);
-        EXPECT_GT (line.baseline, 111.0f + line.height);
+        EXPECT_EQ (textsOf (dial).at (1).text, text);
 
         for (const auto& [ticks, expected] :
              { std::pair { 0, 0.6f }, { 269, 0.6f }, { 15, 0.3f }, { 15, 0.0f }, { 600, 0.0f } })

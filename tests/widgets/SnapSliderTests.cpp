@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace tarvelline::test
 {
 namespace
@@ -11,22 +13,16 @@ namespace
 // a float holds just inside itself taken for the one before, or Shift that does not free the drag.
 TEST (Snap, LeansToTheCentreUnlessShiftIsHeld)
 {
-    struct Case
-    {
-        double snapTo, attempted, snapped;
-    };
-    constexpr Case cases[] = { { 4.0, 0.80, 0.75 },
-                               { 4.0, 0.70, 0.5 },
-                               { 4.0, 0.30, 0.5 },
-                               { 4.0, 0.20, 0.25 },
-                               { 4.0, 1.0, 1.0 },
-                               { 48.0, 0.999, 0.5 + 23.0 / 48.0 },
-                               { 5.0, 0.01, 0.1 },
-                               { 0.0, 0.37, 0.37 },
-                               { 12.0, 0.58333331, 0.5 + 1.0 / 12.0 },
-                               { 12.0, 0.08333334, 0.5 - 5.0 / 12.0 } };
-
-    for (const auto& [snapTo, attempted, snapped] : cases)
+    for (const auto& [snapTo, attempted, snapped] : { std::tuple { 4.0, 0.80, 0.75 },
+                                                      { 4.0, 0.70, 0.5 },
+                                                      { 4.0, 0.30, 0.5 },
+                                                      { 4.0, 0.20, 0.25 },
+                                                      { 4.0, 1.0, 1.0 },
+                                                      { 48.0, 0.999, 0.5 + 23.0 / 48.0 },
+                                                      { 5.0, 0.01, 0.1 },
+                                                      { 0.0, 0.37, 0.37 },
+                                                      { 12.0, 0.58333331, 0.5 + 1.0 / 12.0 },
+                                                      { 12.0, 0.08333334, 0.5 - 5.0 / 12.0 } })
     {
         SnapSlider slider;
         slider.snapTo = snapTo;

@@ -56,8 +56,6 @@ struct Hand : HostWindow
 // just inside itself, which a click takes for the one before; a hand that does not hold still.
 TEST (Wheel, StepsByNotchesFromLineToLineAndStaysWhereItIsClicked)
 {
-    auto notches = 0, clicks = 0, wrongNotches = 0, wrongClicks = 0;
-
     for (size_t range = 0; range < wheelRangeTable.size(); ++range)
     {
         Hand hand (range);
@@ -67,16 +65,14 @@ TEST (Wheel, StepsByNotchesFromLineToLineAndStaysWhereItIsClicked)
         const auto turn = [&] (const Bound& wheel, unsigned direction, float expected)
         {
             hand.clickOn (wheel, direction);
-            ++notches;
-            wrongNotches += std::abs (hand.get (wheel) - expected) > 1.0e-7f;
+            EXPECT_NEAR (hand.get (wheel), expected, 1.0e-7f);
         };
 
         const auto click = [&] (const Bound& wheel, float value)
         {
             hand.set (wheel, value);
             hand.clickOn (wheel, 1, { 0, 1 });
-            ++clicks;
-            wrongClicks += std::abs (hand.get (wheel) - value) > 0.0f;
+            EXPECT_EQ (hand.get (wheel), value);
         };
 
         for (auto line = 0; line <= lines; ++line)
@@ -98,9 +94,6 @@ TEST (Wheel, StepsByNotchesFromLineToLineAndStaysWhereItIsClicked)
                     turn (wheel, direction, valueAt (direction == up ? std::ceil (between) : std::floor (between)));
                 }
     }
-
-    EXPECT_EQ (wrongClicks, 0) << "of " << clicks << " clicks";
-    EXPECT_EQ (wrongNotches, 0) << "of " << notches << " notches";
 }
 
 /** What a host hears of a parameter's edits. */
@@ -250,12 +243,15 @@ TEST (Focus, ShowsARingAroundEveryControlInTurnUntilItLeaves)
     }
 }
 
-// A program of the plug-in's own whose window holds the keyboard, with no way from there to the controls.
-TEST (Focus, GoesOnFromTheProgramsOwnWindow)
+// A program of the plug-in's own whose window holds the keyboard, with no way from there to the controls; bounds that a host gave
+// before the window was shown, and that are lost then.
+TEST (Showing, PassesTheKeyboardOnAndKeepsTheBounds)
 {
     juce::Component window;
     EditorRig rig;
-    window.setBounds (rig.editor->getLocalBounds());
+    const juce::Rectangle<int> bounds (438, 288);
+    rig.editor->setBounds (bounds);
+    window.setBounds (bounds);
     window.addAndMakeVisible (*rig.editor);
     window.setWantsKeyboardFocus (true);
     window.addToDesktop (0);
@@ -263,6 +259,7 @@ TEST (Focus, GoesOnFromTheProgramsOwnWindow)
     EXPECT_TRUE (pumpMessagesUntil ([] { return ! HostWindow::screen->openWindows().empty(); }));
     HostWindow::screen->focusTopmostWindow();
     EXPECT_TRUE (pumpMessagesUntil ([&] { return rig.editor->hasKeyboardFocus (false); }));
+    EXPECT_EQ (rig.editor->getBounds(), bounds);
 }
 } // namespace
 } // namespace tarvelline::test
