@@ -125,6 +125,12 @@ INSTANTIATE_TEST_SUITE_P (Views, Window,
 // stands upright on its way round, or does not grow with its wheel.
 TEST_P (Window, TurnsEachMarkAboutItsPlace)
 {
+    for (const auto& [dial, wheel] :
+         { std::pair { "pitchDial", "mainWheelSlider" }, { "timbreDial", "timbreWheelSlider" } })
+        EXPECT_LT (
+            rig.editor->getIndexOfChildComponent (&rig.control (dial)), // the puck's tip meets its rim at some sizes
+            rig.editor->getIndexOfChildComponent (&rig.control (wheel)));
+
     const auto all = shown();
     const auto share = [] (size_t mark, int step)
     { return std::fmod (0.37f * static_cast<float> (mark) + 0.29f * static_cast<float> (step), 1.0f); };
