@@ -33,6 +33,7 @@ TEST (MenuItem, IsCentredBesideTheTicksPlace)
         item.ticked = ticked;
         const auto text = textsOf (item).at (0);
         EXPECT_EQ (text.text, "24");
+        EXPECT_EQ (text.colour, juce::Colours::white);
         EXPECT_FLOAT_EQ (text.height, 20.0f);                                   // 2/3 of 30
         EXPECT_NEAR ((text.left + text.right) / 2.0f, (31 + 109) / 2.0f, 1.0f); // right of 20 pixels
 
