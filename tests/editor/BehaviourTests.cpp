@@ -119,6 +119,7 @@ TEST (Binding, RestoredStateReachesTheOpenWindowAndTheNext)
             {
                 const juce::MessageManagerLock lock;
                 rig.open();
+                EXPECT_EQ (gridsOf (rig), (Grids { 4.0, 0.0, 0.0, 48.0, 48.0 })) << "before the attachments speak";
                 isOpen = true;
             });
         EXPECT_TRUE (pumpMessagesUntil ([&] { return isOpen.load(); }));
