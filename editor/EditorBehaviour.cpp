@@ -120,7 +120,6 @@ void TarvellineAudioProcessorEditor::sliderValueChanged (juce::Slider* slider)
 void TarvellineAudioProcessorEditor::showValueAbove (const juce::Slider& slider)
 {
     auto& label = controls.valueLabel;
-    label.setFont (controls.pitchDial.getDialFont());
     label.setText (juce::String (slider.getValue(), 2), juce::dontSendNotification);
     label.setCentrePosition (slider.getX() + slider.getWidth() / 2,
                              slider.getY() - readOutDistance * designArea.getHeight() / designHeight);

@@ -2,7 +2,6 @@
 #include "editor/TarvellineAudioProcessorEditor.h"
 
 #include "BinaryData.h"
-#include "widgets/Fonts.h"
 #include "widgets/PuckRepaint.h"
 
 #include <algorithm>
@@ -162,7 +161,7 @@ void TarvellineAudioProcessorEditor::styleValueLabel()
 {
     auto& label = controls.valueLabel;
     label.setSize (32, 16);
-    label.setFont (fontOfHeight (12.0f));
+    label.setFont (controls.pitchDial.getDialFont());
     label.setBorderSize ({}); // four characters need the whole width
     label.setJustificationType (juce::Justification::centred);
     label.setColour (juce::Label::textColourId, juce::Colour (readOutColour));

@@ -19,6 +19,8 @@ void MidiVoices::prepare (int frameSize, float sampleRate) noexcept
     for (auto& lit : keyLit)
         lit = 0;
 
+    keysChanged = true;
+
     for (auto& slot : slots)
         slot.active = false;
 

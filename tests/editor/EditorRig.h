@@ -2,6 +2,7 @@
 #pragma once
 
 #include "editor/TarvellineAudioProcessorEditor.h"
+#include "tests/support/PixelMeters.h"
 #include "tests/support/ProcessorRig.h"
 
 #include <gtest/gtest.h>
@@ -49,6 +50,36 @@ struct EditorRig : ProcessorRig
         control<juce::ComboBox> (id).setSelectedItemIndex (index, juce::sendNotificationSync);
     }
 
+    /** What shows where no control does; all are gone then. */
+    juce::Image panel (float scale = 1.0f)
+    {
+        for (auto* child : editor->getChildren())
+            child->setVisible (false);
+
+        return pictureOf (*editor, scale);
+    }
+
+    void tick (int times)
+    {
+        for (auto i = 0; i < times; ++i)
+            editor->timerCallback();
+    }
+
+    /** What the dials' own timers do every 20 ms, without the wait. */
+    void tickDials (int times = 1)
+    {
+        for (auto i = 0; i < times; ++i)
+            for (const auto* dial : { "pitchDial", "timbreDial" })
+                ((juce::Timer&) control<FollowDial> (dial)).timerCallback(); // a private base, hence this form of cast
+    }
+
+    /** The sound of a wheel stands somewhere, 0..1, and its dial shows it. */
+    void followTo (const juce::String& side, double point)
+    {
+        (side == "pitch" ? processor.mainWheel : processor.timbWheel).point = point;
+        tickDials();
+    }
+
     /** The value read-out above a knob: the topmost control, the corner to drag aside. */
     juce::Label& readOut()
     {
@@ -85,30 +116,5 @@ inline constexpr Bound boundButtons[] = {
 inline constexpr Bound boundBoxes[] = {
     { "pitchRangeBox", parameterId::mainRange },
     { "timbreRangeBox", parameterId::timbRange },
-};
-
-/** Hears a component being asked to repaint, which leaves no trace as long as no window is on the screen. */
-class RepaintListener : public juce::CachedComponentImage
-{
-public:
-    /** The component owns the listener, up to its own end. */
-    static void listenTo (juce::Component& component, std::function<void()> heard)
-    {
-        auto* listener = new RepaintListener;
-        component.setCachedComponentImage (listener); // which repaints it
-        listener->onRepaint = std::move (heard);
-    }
-
-    void paint (juce::Graphics&) override {}
-    void releaseResources() override {}
-    bool invalidate (const juce::Rectangle<int>&) override { return invalidateAll(); }
-    bool invalidateAll() override
-    {
-        onRepaint();
-        return true;
-    }
-
-private:
-    std::function<void()> onRepaint = [] {};
 };
 } // namespace tarvelline::test

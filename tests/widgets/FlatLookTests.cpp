@@ -9,26 +9,6 @@ namespace tarvelline::test
 {
 namespace
 {
-// A body that flashes under the mouse, or none that answers a press.
-TEST (ButtonBody, ShowsOnlyWhilePressed)
-{
-    TarvellineLookAndFeel look;
-    look.setColour (juce::TextButton::buttonColourId, juce::Colours::transparentBlack);
-    const juce::Rectangle<int> whole (60, 40), none;
-
-    for (const auto& [state, body] :
-         { std::pair { juce::Button::buttonNormal, none }, std::pair { juce::Button::buttonOver, none },
-           std::pair { juce::Button::buttonDown, whole } })
-    {
-        juce::TextButton button;
-        button.setLookAndFeel (&look);
-        button.setSize (60, 40);
-        button.setState (state);
-        EXPECT_EQ (boundsOf (pictureOf (button), [] (juce::Colour c) { return c.getAlpha() > 0; }), body) << state;
-        button.setLookAndFeel (nullptr);
-    }
-}
-
 struct MenuItem : juce::Component
 {
     void paint (juce::Graphics& g) override
@@ -53,6 +33,7 @@ TEST (MenuItem, IsCentredBesideTheTicksPlace)
         item.ticked = ticked;
         const auto text = textsOf (item).at (0);
         EXPECT_EQ (text.text, "24");
+        EXPECT_EQ (text.colour, juce::Colours::white);
         EXPECT_FLOAT_EQ (text.height, 20.0f);                                   // 2/3 of 30
         EXPECT_NEAR ((text.left + text.right) / 2.0f, (31 + 109) / 2.0f, 1.0f); // right of 20 pixels
 

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace tarvelline::test
 {
 namespace
@@ -11,22 +13,16 @@ namespace
 // a float holds just inside itself taken for the one before, or Shift that does not free the drag.
 TEST (Snap, LeansToTheCentreUnlessShiftIsHeld)
 {
-    struct Case
-    {
-        double snapTo, attempted, snapped;
-    };
-    constexpr Case cases[] = { { 4.0, 0.80, 0.75 },
-                               { 4.0, 0.70, 0.5 },
-                               { 4.0, 0.30, 0.5 },
-                               { 4.0, 0.20, 0.25 },
-                               { 4.0, 1.0, 1.0 },
-                               { 48.0, 0.999, 0.5 + 23.0 / 48.0 },
-                               { 5.0, 0.01, 0.1 },
-                               { 0.0, 0.37, 0.37 },
-                               { 12.0, 0.58333331, 0.5 + 1.0 / 12.0 },
-                               { 12.0, 0.08333334, 0.5 - 5.0 / 12.0 } };
-
-    for (const auto& [snapTo, attempted, snapped] : cases)
+    for (const auto& [snapTo, attempted, snapped] : { std::tuple { 4.0, 0.80, 0.75 },
+                                                      { 4.0, 0.70, 0.5 },
+                                                      { 4.0, 0.30, 0.5 },
+                                                      { 4.0, 0.20, 0.25 },
+                                                      { 4.0, 1.0, 1.0 },
+                                                      { 48.0, 0.999, 0.5 + 23.0 / 48.0 },
+                                                      { 5.0, 0.01, 0.1 },
+                                                      { 0.0, 0.37, 0.37 },
+                                                      { 12.0, 0.58333331, 0.5 + 1.0 / 12.0 },
+                                                      { 12.0, 0.08333334, 0.5 - 5.0 / 12.0 } })
     {
         SnapSlider slider;
         slider.snapTo = snapTo;
@@ -53,7 +49,10 @@ TEST (Snap, AddsSmoothScrollingUpToNotches)
         return juce::roundToInt ((slider.getValue() - 0.5) / slider.freeStep);
     };
 
-    for (const auto steps : { 0, 0, 0, 1, 1, 1, 1, 2 }) // a fourth of a notch each
+    for (const auto down : { 0, 0, 0, 1 }) // a fourth of a notch each
+        EXPECT_EQ (scroll (0.0f, -12.5f / 256.0f, false, true), -down);
+
+    for (const auto steps : { -1, -1, -1, 0, 0, 0, 0, 1, 1, 1, 1, 2 })
         EXPECT_EQ (scroll (0.0f, 12.5f / 256.0f, false, true), steps);
 
     EXPECT_EQ (scroll (0.0f, 40.0f / 256.0f, false, true), 2);

@@ -56,8 +56,6 @@ struct Hand : HostWindow
 // just inside itself, which a click takes for the one before; a hand that does not hold still.
 TEST (Wheel, StepsByNotchesFromLineToLineAndStaysWhereItIsClicked)
 {
-    auto notches = 0, clicks = 0, wrongNotches = 0, wrongClicks = 0;
-
     for (size_t range = 0; range < wheelRangeTable.size(); ++range)
     {
         Hand hand (range);
@@ -67,16 +65,14 @@ TEST (Wheel, StepsByNotchesFromLineToLineAndStaysWhereItIsClicked)
         const auto turn = [&] (const Bound& wheel, unsigned direction, float expected)
         {
             hand.clickOn (wheel, direction);
-            ++notches;
-            wrongNotches += std::abs (hand.get (wheel) - expected) > 1.0e-7f;
+            EXPECT_NEAR (hand.get (wheel), expected, 1.0e-7f);
         };
 
         const auto click = [&] (const Bound& wheel, float value)
         {
             hand.set (wheel, value);
             hand.clickOn (wheel, 1, { 0, 1 });
-            ++clicks;
-            wrongClicks += std::abs (hand.get (wheel) - value) > 0.0f;
+            EXPECT_EQ (hand.get (wheel), value);
         };
 
         for (auto line = 0; line <= lines; ++line)
@@ -98,9 +94,6 @@ TEST (Wheel, StepsByNotchesFromLineToLineAndStaysWhereItIsClicked)
                     turn (wheel, direction, valueAt (direction == up ? std::ceil (between) : std::floor (between)));
                 }
     }
-
-    EXPECT_EQ (wrongClicks, 0) << "of " << clicks << " clicks";
-    EXPECT_EQ (wrongNotches, 0) << "of " << notches << " notches";
 }
 
 /** What a host hears of a parameter's edits. */
@@ -184,9 +177,10 @@ TEST (Focus, StaysWithTheHostWhateverIsClicked)
             if (child != &hand.map.control ("sizeButton"))
             {
                 const auto isBox = dynamic_cast<juce::ComboBox*> (child) != nullptr;
+                const auto isOpen = [&] (size_t menus) { return screen.openWindows().size() == windows + menus; };
                 hand.click (child->getBounds().getCentre());
-                hand.run (isBox ? 300 : 0);
-                EXPECT_EQ (screen.openWindows().size(), windows + (isBox ? 1 : 0)) << "the menu opens";
+                EXPECT_TRUE (hand.runUntil ([&] { return isOpen (isBox ? 1 : 0); })) << "the menu opens";
+                hand.run (isBox ? 100 : 0);
 
                 if (isBox && handedOn)
                     hand.type ("Escape");
@@ -196,7 +190,7 @@ TEST (Focus, StaysWithTheHostWhateverIsClicked)
                     hand.click (screen.openWindows().back().getCentre() - juce::Point (HostWindow::x, HostWindow::y));
 
                 hand.run (60);
-                EXPECT_EQ (screen.openWindows().size(), windows) << "and closes";
+                EXPECT_TRUE (hand.runUntil ([&] { return isOpen (0); })) << "and closes";
                 EXPECT_EQ (screen.keyboardOwner(), owner) << child->getTitle();
                 EXPECT_FALSE (isOrange (hand.picture().getPixelAt (child->getBounds().getCentreX(), child->getY())));
             }
@@ -222,10 +216,13 @@ TEST (Focus, ShowsARingAroundEveryControlInTurnUntilItLeaves)
         for (const auto* control : stops)
         {
             hand.type ("Tab");
-            hand.run (60);
             const auto ring = control->getBounds();
-            EXPECT_GT (changedIn (ring.expanded (2)), ring.getWidth() + ring.getHeight()) << control->getTitle();
-            EXPECT_EQ (changedIn (ring.expanded (2)), changedIn (plain.getBounds())) << control->getTitle();
+            const auto isRinged = [&]
+            {
+                const auto changed = changedIn (ring.expanded (2));
+                return changed > ring.getWidth() + ring.getHeight() && changed == changedIn (plain.getBounds());
+            };
+            EXPECT_TRUE (hand.runUntil (isRinged)) << control->getTitle();
             EXPECT_TRUE (ring.getY() >= height || control == stops.front()) << control->getTitle();
             height = ring.getY();
 
@@ -240,13 +237,31 @@ TEST (Focus, ShowsARingAroundEveryControlInTurnUntilItLeaves)
         HostWindow::screen->pressKey ("Shift_L", true);
         hand.type ("Tab");
         HostWindow::screen->pressKey ("Shift_L", false);
-        hand.run (60);
-        EXPECT_GT (changedIn (stops[count - 1]->getBounds()), 0) << "Shift goes back";
+        const auto& last = *stops[count - 1];
+        EXPECT_TRUE (hand.runUntil ([&] { return changedIn (last.getBounds()) > 0; })) << "Shift goes back";
 
         HostWindow::screen->focusWindowAt (1, 1); // the desktop
-        hand.run (100);
-        EXPECT_EQ (changedIn (plain.getBounds()), 0);
+        EXPECT_TRUE (hand.runUntil ([&] { return changedIn (plain.getBounds()) == 0; }));
     }
+}
+
+// A program of the plug-in's own whose window holds the keyboard, with no way from there to the controls; bounds that a host gave
+// before the window was shown, and that are lost then.
+TEST (Showing, PassesTheKeyboardOnAndKeepsTheBounds)
+{
+    juce::Component window;
+    EditorRig rig;
+    const juce::Rectangle<int> bounds (438, 288);
+    rig.editor->setBounds (bounds);
+    window.setBounds (bounds);
+    window.addAndMakeVisible (*rig.editor);
+    window.setWantsKeyboardFocus (true);
+    window.addToDesktop (0);
+    window.setVisible (true);
+    EXPECT_TRUE (pumpMessagesUntil ([] { return ! HostWindow::screen->openWindows().empty(); }));
+    HostWindow::screen->focusTopmostWindow();
+    EXPECT_TRUE (pumpMessagesUntil ([&] { return rig.editor->hasKeyboardFocus (false); }));
+    EXPECT_EQ (rig.editor->getBounds(), bounds);
 }
 } // namespace
 } // namespace tarvelline::test

@@ -98,10 +98,17 @@ public:
     /** Lets time pass: messages and audio in turn. At most five seconds. */
     void run (int milliseconds)
     {
-        auto nextBlock = juce::Time::getMillisecondCounter();
-        const auto end = nextBlock + static_cast<juce::uint32> (milliseconds);
+        const auto end = juce::Time::getMillisecondCounter() + static_cast<juce::uint32> (milliseconds);
+        runUntil ([=] { return juce::Time::getMillisecondCounter() >= end; });
+    }
 
-        pumpMessagesUntil (
+    /** The same, until something is so. @returns whether it is */
+    template <typename Condition>
+    bool runUntil (Condition&& isSo)
+    {
+        auto nextBlock = juce::Time::getMillisecondCounter();
+
+        return pumpMessagesUntil (
             [&]
             {
                 if (audioRuns && juce::Time::getMillisecondCounter() >= nextBlock)
@@ -110,7 +117,7 @@ public:
                     nextBlock += 10;
                 }
 
-                return juce::Time::getMillisecondCounter() >= end;
+                return isSo();
             });
     }
 
