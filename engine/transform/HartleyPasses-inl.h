@@ -149,7 +149,7 @@ inline HWY_NOINLINE const float* twoWidePasses (const float* turns, std::size_t 
 {
     constexpr std::size_t stride = 16, next = 4 * stride;
     const auto runs = half / 4 / next;
-    const auto* nextTurns = turns + 6 * 4 * runs;
+    const auto* nextTurns = turns + 6 * (next / stride) * runs;
     alignas (64) float between[8 * next];
     const SplitComplex inside { between, between + 4 * next };
 
