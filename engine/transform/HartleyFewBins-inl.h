@@ -100,12 +100,12 @@ inline void spreadingPass (SplitComplex from, std::size_t phases, float* data)
 {
     const hn::CappedTag<float, phasesAtOnce> d;
     constexpr auto quarter = blockLength / 4;
+    const auto rowsApart = 2 * phases * fewBins / 4;
 
     for (std::size_t t = 0; t < quarter; t += hn::Lanes (d))
     {
         const auto points = loadRows (d, from, t, quarter);
         auto* sample = data + 2 * phases * (t / phasesAtOnce) + t % phasesAtOnce;
-        const auto rowsApart = 2 * phases * fewBins / 4;
 
         for (const auto& value : { points.y0, points.y1, points.y2, points.y3 })
         {

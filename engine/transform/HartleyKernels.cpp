@@ -246,7 +246,7 @@ inline void interleavingPass (const HartleyTables& tables, SplitComplex from, fl
     }
 }
 
-/** The way back of fewer bins than 64, 16 phases at a time. */
+/** The way back of 64 bins or fewer, 16 phases at a time. */
 inline void inverseOfFew (const HartleyTables& tables, float* data, std::size_t count, float* scratch)
 {
     // Real and imaginary parts change places: the passes, which turn forwards, then turn backwards.
