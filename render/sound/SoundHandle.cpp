@@ -27,14 +27,14 @@ struct Reading
 
     static sf_count_t read (void* into, sf_count_t count, void* data)
     {
-        auto& [stream, end, patchPlace, patch] = of (data);
-        const auto start = stream->getPosition();
+        auto& source = of (data);
+        const auto start = source.stream->getPosition();
         const auto wanted = static_cast<int> (std::clamp<sf_count_t> (count, 0, 1 << 30));
-        const auto got = std::max (0, stream->read (into, wanted));
+        const auto got = std::max (0, source.stream->read (into, wanted));
 
-        for (std::size_t i = 0; i < patch.size(); ++i)
-            if (const auto place = patchPlace + static_cast<sf_count_t> (i) - start; place >= 0 && place < got)
-                static_cast<char*> (into)[place] = patch[i];
+        for (std::size_t i = 0; i < source.patch.size(); ++i)
+            if (const auto place = source.patchPlace + static_cast<sf_count_t> (i) - start; place >= 0 && place < got)
+                static_cast<char*> (into)[place] = source.patch[i];
 
         return got;
     }
