@@ -138,16 +138,5 @@ TEST (Panel, TextsStandWholeAndLevelAtEverySize)
                        textsOf (rig.control ("pitchSnapButton")).at (0).baseline);
         }
 }
-// A highlight that cannot be told from the menu's ground, or that its text drowns in.
-TEST (RangeMenu, ShowsItsHighlight)
-{
-    EditorRig rig;
-    const auto colour = [&] (int id) { return rig.control ("pitchRangeBox").getLookAndFeel().findColour (id); };
-    const auto ground = colour (juce::PopupMenu::backgroundColourId);
-    const auto highlight = colour (juce::PopupMenu::highlightedBackgroundColourId);
-    EXPECT_GE (contrastRatio (highlight, ground), 2.3); // black would give 2.46
-    EXPECT_GE (contrastRatio (colour (juce::PopupMenu::textColourId), ground), 4.5);
-    EXPECT_GE (contrastRatio (colour (juce::PopupMenu::highlightedTextColourId), highlight), 4.5);
-}
 } // namespace
 } // namespace tarvelline::test

@@ -110,14 +110,4 @@ std::vector<DrawnText> textsOf (juce::Component& component)
     component.paintEntireComponent (g, true);
     return listener.texts;
 }
-
-std::vector<juce::String> wordsOf (juce::Component& component)
-{
-    std::vector<juce::String> words;
-
-    for (const auto& text : textsOf (component))
-        words.push_back (text.text);
-
-    return words;
-}
 } // namespace tarvelline::test

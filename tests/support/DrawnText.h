@@ -22,7 +22,4 @@ struct DrawnText
 
 /** All text that a component and its children show, line by line in the order of drawing. Printable ASCII only. */
 std::vector<DrawnText> textsOf (juce::Component&);
-
-/** The words alone. */
-std::vector<juce::String> wordsOf (juce::Component&);
 } // namespace tarvelline::test
