@@ -55,12 +55,11 @@ struct ListeningHost : juce::AudioProcessorEditorHostContext,
     juce::String heard;
 };
 
-// A right click that turns what it asks about, or asks about another.
+// A right click that turns what it asks about, asks about another, or is lost on a host without menus.
 TEST (HostManners, RightClicksAskForTheMenu)
 {
     ListeningHost host; // outlives what it listens to
     EditorRig rig (0, true);
-    rig.editor->setHostContext (&host);
 
     for (const auto& kind : std::initializer_list<std::span<const Bound>> { boundBoxes, boundButtons, boundSliders })
         for (const auto& [id, parameter] : kind)
@@ -68,14 +67,21 @@ TEST (HostManners, RightClicksAskForTheMenu)
             auto& control = rig.control (id);
             rig.set (parameter, 0.7f);
             rig.parameter (parameter).addListener (&host);
+            rig.editor->setHostContext (&host);
             const juce::MouseEvent drag (juce::Desktop::getInstance().getMainMouseSource(), { 5.0f, -60.0f },
                                          juce::ModifierKeys::rightButtonModifier, 0, 0, 0, 0, 0, &control, &control, {},
                                          { 5.0f, 5.0f }, {}, 1, true);
-            control.mouseDown (drag);
-            control.mouseDrag (drag);
-            control.mouseUp (drag);
+            const auto act = [&]
+            {
+                control.mouseDown (drag);
+                control.mouseDrag (drag);
+                control.mouseUp (drag);
+                return std::exchange (host.heard, {}).isNotEmpty();
+            };
+            EXPECT_FALSE (act()) << id;
             EXPECT_EQ (host.asked, &rig.parameter (parameter)) << id;
-            EXPECT_EQ (host.heard, "") << id;
+            rig.editor->setHostContext (nullptr);
+            EXPECT_EQ (act(), dynamic_cast<juce::Slider*> (&control) != nullptr) << id;
         }
 }
 
@@ -98,7 +104,7 @@ TEST (Binding, RestoredStateReachesTheOpenWindowAndTheNext)
     EditorRig source, rig;
     source.set (mainRange, 1.0f);
     source.set (timbRange, 5.0f);
-    source.set (mainSnap, 0.0f);
+    source.set (mainSnap, 0.45f);
     source.set (midiOptions, 0.0f);
     juce::MemoryBlock state;
     source.processor.getStateInformation (state);

@@ -88,6 +88,8 @@ TEST (ReadOut, CoversNothingAndReadsWellAtEverySize)
             EXPECT_GE (text.squeeze, 0.97f);
             EXPECT_TRUE (text.typeface.startsWith ("Sci Fied 2002")); // Windows adds its style
             EXPECT_EQ (label.getBounds().getCentreX(), knob.getCentreX()) << id;
+            EXPECT_NEAR (text.left + text.right, static_cast<float> (label.getWidth()), 2.0f) << "in its middle";
+            EXPECT_NE (rig.editor->getComponentAt (label.getBounds().getCentre()), &label) << "lets the mouse through";
 
             const auto picture = pictureOf (label);
 

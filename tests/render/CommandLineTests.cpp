@@ -115,6 +115,8 @@ TEST_F (CommandLineTest, AlignedEventsActOnTheOutputFromTheirTime)
 
     const auto dry = moved ("0,mixerPar,0\n0.6,mixerPar,1\n", "--semitones 2 --align sound");
     EXPECT_EQ (firstDifference (dry, noise), 26460u);
+    const auto faded = moved ("0,mixerPar,0\n0.1,mixerPar,0\n0.6,mixerPar,1,line\n", "--semitones 2 --align sound");
+    EXPECT_EQ (firstDifference (faded, noise), 4410u + 32u) << "a line's first step";
 
     // A note that transposes is such an event; with a setting of 0 as well.
     writeMidi ({ { 600, on (67) } });

@@ -247,5 +247,27 @@ TEST (Reopening, TwoHundredTimesWhileAudioRuns)
     host.open();
     EXPECT_EQ (wrongPixels (host, rest), 0);
 }
+
+#ifdef TARVELLINE_STANDALONE
+// A program that takes a display which answers for one that does not, or whose window stays empty.
+TEST (Standalone, OpensAWindowWithTheEditorInIt)
+{
+    const juce::TemporaryFile home;
+    juce::ChildProcess program;
+    ASSERT_TRUE (home.getFile().createDirectory().wasOk()
+                 && program.start (
+                     juce::StringArray ("env", "HOME=" + home.getFile().getFullPathName(), TARVELLINE_STANDALONE)));
+    auto& screen = *HostWindow::screen;
+    EXPECT_TRUE (pumpMessagesUntil (
+        [&]
+        {
+            const auto windows = screen.openWindows();
+            return ! windows.empty() && boundsOf (screen.capture (windows.back()), isOrange).getHeight() > 40;
+        }));
+    program.kill();
+    EXPECT_TRUE (pumpMessagesUntil ([&] { return screen.openWindows().empty(); }));
+    home.getFile().deleteRecursively();
+}
+#endif
 } // namespace
 } // namespace tarvelline::test
