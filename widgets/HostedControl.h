@@ -37,12 +37,6 @@ public:
             Control::mouseUp (event);
     }
 
-    void mouseDoubleClick (const juce::MouseEvent& event) override
-    {
-        if (! hostHasClick)
-            Control::mouseDoubleClick (event);
-    }
-
 private:
     bool hostHasClick = false; // the click that began last, up to its end
 };

@@ -111,14 +111,15 @@ void walkChunks (SoundLayout& layout, juce::InputStream& in, const Container& ki
     constexpr std::size_t most = 10000; // far more than any file has, so that walking ends
     const juce::int64 head = kind.nameBytes + kind.sizeBytes, end = in.getTotalLength();
     const auto whole = numberAt (in, kind.nameBytes, kind.sizeBytes, kind.bigEndian) + head - kind.counted;
-    juce::int64 longLength = 0; // the place of the sound's length in RF64
+    const bool isWhole = kind.firstChunk > head && whole >= end; // CAF does not tell
+    juce::int64 longLength = 0;                                  // the place of the sound's length in RF64
     bool soundFound = false;
 
     for (juce::int64 place = kind.firstChunk; place <= end - head && layout.chunks.size() < most;)
     {
         const auto name = bytesAt (in, place, 4);
         const auto start = place + head;
-        LengthField field { place + kind.nameBytes, kind.sizeBytes, kind.bigEndian, kind.counted, whole >= end };
+        LengthField field { place + kind.nameBytes, kind.sizeBytes, kind.bigEndian, kind.counted, isWhole };
         auto size = numberAt (in, field.place, field.bytes, field.bigEndian) - field.counted;
 
         if (name == kind.sound && ! soundFound)

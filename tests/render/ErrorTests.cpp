@@ -43,7 +43,7 @@ const Mistake mistakes[] = {
     { "in.wav out.wav --keep-formants --set timbWheelPar=1", "timbWheelPar", "leave out" },
     { "in.wav out.wav --automate far.csv", "far.csv, line 1", "-24 to +24" },
     { "in.wav out.wav --automate early.csv", "early.csv, line 2", "0 or more" },
-    { "in.wav out.wav --automate long.csv", "long.csv, line 1", "seconds,parameterId,value" },
+    { "in.wav out.wav --automate long.csv", "line 1: \"0.5,mixerPar,1,bend\"", "seconds,parameterId,value" },
     { "in.wav out.wav --automate both.csv", "\"pitch\"", "leave out" },
     { "in.wav out.wav --semitones 24.5", "24.5", "-24 to +24; the widest range" },
     { "in.wav out.wav --block 0", "--block 0", "1 to 65536" },
