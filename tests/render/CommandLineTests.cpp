@@ -174,12 +174,12 @@ TEST_F (CommandLineTest, ProgressAndTheCrashOfOneRunAreTold)
     write ("in.wav", { rate, { whiteNoise (1000) } });
     file ("in.wav").copyFileTo (file ("last.wav"));
     write ("long.wav", { 192000.0, { whiteNoise (4000000) } });
-    const auto outcome =
-        shell ("PATH=$PATH:${RENDER%/*}; tarvelline-render in.wav long.wav last.wav --out-dir made --block 16 2>"
-               + juce::String (ttyname (side))
-               + " & for i in $(seq 200); do sleep 0.02; [ ! -e made/in.wav ] || break; done; for i in $(seq 200); do"
-                 " sleep 0.02; child=$(cat /proc/$!/task/*/children); [ -z \"$child\" ] || break; done;"
-                 "kill -STOP $child; sleep 1.3; kill -KILL $child; wait $!");
+    const auto outcome = shell (
+        "PATH=$PATH:${RENDER%/*}; tarvelline-render in.wav long.wav last.wav --out-dir made --block 16 2>"
+        + juce::String (ttyname (side))
+        + " & for i in $(seq 200); do sleep 0.02; [ ! -e made/in.wav ] || break; done; for i in $(seq 200); do"
+          " sleep 0.02; for c in $(cat /proc/$!/task/*/children); do ! grep -q long.wav /proc/$c/cmdline || break 2;"
+          " done; done; kill -STOP $c; sleep 1.3; kill -KILL $c; wait $!");
     std::string told (4000, ' ');
     told.resize (static_cast<std::size_t> (std::max<ssize_t> (0, ::read (terminal, told.data(), told.size()))));
     close (side);

@@ -65,7 +65,8 @@ TEST (Wheel, StepsByNotchesFromLineToLineAndStaysWhereItIsClicked)
         const auto turn = [&] (const Bound& wheel, unsigned direction, float expected)
         {
             hand.clickOn (wheel, direction);
-            EXPECT_NEAR (hand.get (wheel), expected, 1.0e-7f);
+            EXPECT_TRUE (hand.runUntil ([&] { return std::abs (hand.get (wheel) - expected) <= 1.0e-7f; }))
+                << hand.get (wheel) << " for " << expected;
         };
 
         const auto click = [&] (const Bound& wheel, float value)

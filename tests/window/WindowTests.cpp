@@ -137,7 +137,8 @@ TEST (Drag, ReachesTheHostSnappedUnlessShiftIsHeld)
     }
 }
 
-// A menu that does not open, an entry that is another's, a scale that is not drawn anew.
+// A menu that does not open, or that closes when the mouse goes elsewhere; an entry that is another's, a scale that is not
+// drawn anew.
 TEST (RangeMenu, ChoosesTheSpan)
 {
     HostWindow host ({ { toggleSize, 1.0f } });
@@ -145,6 +146,7 @@ TEST (RangeMenu, ChoosesTheSpan)
     HostWindow::screen->focusTopmostWindow();
     const auto windows = HostWindow::screen->openWindows().size();
     host.click ({ 30, 23 });
+    host.moveMouseAway();
     host.run (300); // a menu that has just opened does not hear clicks
     ASSERT_EQ (HostWindow::screen->openWindows().size(), windows + 1) << "the menu opens in a window of its own";
 
