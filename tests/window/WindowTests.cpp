@@ -191,7 +191,8 @@ TEST (Chord, LightsItsKeysAsLongAsItIsHeld)
     EXPECT_EQ (wrongPixels (host, multi), 0);
 }
 
-// A button or automation that changes the parameter but not the host's window, or a height that is lost with the window.
+// A button or automation that changes the parameter but not the host's window, a corner that can be dragged beyond the limits,
+// or a height that is lost with the window.
 TEST (Resizing, ByButtonAndCornerIsRememberedWhenReopened)
 {
     HostWindow host;
@@ -199,9 +200,14 @@ TEST (Resizing, ByButtonAndCornerIsRememberedWhenReopened)
     host.click ({ 246, 190 });
     EXPECT_EQ (wrongPixels (host, { { toggleSize, 1.0f } }), 0);
 
-    host.drag ({ 508, 284 }, { 704, 394 });
+    for (const auto& [to, height] :
+         { std::pair { juce::Point (1200, 740), 576 }, { juce::Point (10, 10), 258 }, { juce::Point (704, 394), 398 } })
+    {
+        host.drag (host.editor->getLocalBounds().getBottomRight() - juce::Point (4, 4), to);
+        EXPECT_NEAR (host.editor->getHeight(), height, height == 398 ? 6 : 0);
+    }
+
     const auto width = host.editor->getWidth(), height = host.editor->getHeight();
-    EXPECT_NEAR (height, 398, 6);
     EXPECT_NEAR (width, static_cast<float> (height) * 1.77778f, 1.0f);
 
     host.close();
