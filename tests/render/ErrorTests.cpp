@@ -33,7 +33,7 @@ const Mistake mistakes[] = {
     { "in.wav out.wav --set mixerPar=1.05", "1.05", "0 to 1" },
     { "in.wav out.wav --set mixerPar", "--set mixerPar", "parameterId=value" },
     { "in.wav out.wav --s 3", "--s ", "--semitones or --set" },
-    { "in.wav out.wav --quiet=yes", "--quiet", "no value" },
+    { "in.wav out.wav --quiet=yes", "--quiet", "leave out =yes" },
     { "in.wav out.wav --bits", "--bits", "16|24|32" },
     { "in.wav out.wav --block=", "--block", "needs a value, N" },
     { "in.wav out.wav --bits 20", "--bits 20", "16 or 24" },

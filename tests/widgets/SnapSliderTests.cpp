@@ -56,10 +56,12 @@ TEST (Snap, AddsSmoothScrollingUpToNotches)
         EXPECT_EQ (scroll (0.0f, 12.5f / 256.0f, false, true), steps);
 
     EXPECT_EQ (scroll (0.0f, 40.0f / 256.0f, false, true), 2);
-    EXPECT_EQ (scroll (0.0f, -40.0f / 256.0f, false, true), 2) << "what was short of a notch is forgotten";
-    EXPECT_EQ (scroll (0.0f, 2.0f, false, false), 3);
-    EXPECT_EQ (scroll (0.0f, 2.0f, true, false), 2);
-    EXPECT_EQ (scroll (-0.2f, 0.1f, false, false), 3) << "the greater axis counts";
+    EXPECT_EQ (scroll (0.0f, -40.0f / 256.0f, false, true), 2);
+    EXPECT_EQ (scroll (0.0f, -20.0f / 256.0f, false, true), 1)
+        << "what was short of a notch the other way is forgotten";
+    EXPECT_EQ (scroll (0.0f, 2.0f, false, false), 2);
+    EXPECT_EQ (scroll (0.0f, 2.0f, true, false), 1);
+    EXPECT_EQ (scroll (-0.2f, 0.1f, false, false), 2) << "the greater axis counts";
 }
 } // namespace
 } // namespace tarvelline::test
