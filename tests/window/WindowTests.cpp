@@ -116,6 +116,14 @@ TEST (Automation, MovesThePuckAtOnceAndTheDialWithTheSound)
     EXPECT_NEAR (orangeAngleAt (host, 47.0f), 0.0f, 0.05f) << "the dial's mark: no audio, no motion";
     host.audioRuns = true;
     EXPECT_EQ (trails (host, 0.75f), 0);
+
+    for (const auto bend : { 16383, 8192 }) // which moves the dial alone
+    {
+        host.midi.addEvent (juce::MidiMessage::pitchWheel (1, bend), 0);
+        host.run (200);
+    }
+
+    EXPECT_EQ (trails (host, 0.75f), 0);
 }
 
 // A drag that moves the picture alone, or off the semitones; 250 pixels are the whole range.
