@@ -18,8 +18,8 @@ struct Cover
     std::vector<float> shares; // of the sources from `first` on; they add up to 1
 };
 
-/** Each pixel takes the mean of what it covers (a box filter), so that detail finer than a pixel never beats against the screen's grid; never
-    less than one source, which is linear interpolation where the source is the coarser one.
+/** Each pixel takes the mean of what it covers (a box filter), so that detail finer than a pixel never beats against the
+    screen's grid; never less than one source, which is linear interpolation where the source is the coarser one.
     @param start, length  where the source lies, in pixels of the result */
 std::vector<Cover> coversOf (int pixels, float start, float length, int sources)
 {
