@@ -90,6 +90,7 @@ template <typename Control>
 juce::String spoken (EditorRig& rig, const juce::String& id)
 {
     const auto handler = rig.control<Control> (id).createAccessibilityHandler();
+    EXPECT_TRUE (handler->getValueInterface()->isReadOnly()) << id;
     return handler->getTitle() + ": " + handler->getValueInterface()->getCurrentValueAsString();
 }
 

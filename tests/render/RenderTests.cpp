@@ -445,6 +445,14 @@ TEST_F (RenderTest, StatesAndPresetsSoundLikeTheirSettings)
     ASSERT_EQ (shell ("tail -c +49 x.vstpreset > bare").exitCode, 0);
     EXPECT_TRUE (sameBits (render ("--state bare" + more), expected));
 
+    // Another part's entry before the processor's in the list.
+    juce::MemoryBlock turned;
+    ASSERT_TRUE (file ("x.vstpreset").loadFileAsData (turned));
+    auto* const entries = turned.begin() + std::string_view (turned.begin(), turned.getSize()).rfind ("List") + 8;
+    std::swap_ranges (entries, entries + 20, entries + 20);
+    file ("turned").replaceWithData (turned.getData(), turned.getSize());
+    EXPECT_TRUE (sameBits (render ("--state turned" + more), expected));
+
     const auto installed = file (".vst3/presets/Vorntaal/Tarvelline/Own Sound.vstpreset");
     ASSERT_TRUE (installed.getParentDirectory().createDirectory() && file ("x.vstpreset").copyFileTo (installed)
                  && file ("x.vstpreset").moveFileTo (installed.getSiblingFile ("Own Beat.vstpreset")));
