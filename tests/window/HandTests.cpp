@@ -123,9 +123,11 @@ void expectSteps (Hand& hand, const Bound& bound, double step)
         else
             hand.type (act.c_str());
 
+        EXPECT_TRUE (hand.runUntil ([&] { return edits.heard == "begin set end "; }))
+            << bound.control << " " << act << ": " << edits.heard;
+        edits.heard.clear();
         const auto sign = act == "up" || act == "Up" || act == "KP_Up" || act == "Right" ? 1.0 : -1.0;
         EXPECT_NEAR (hand.get (bound), start + sign * step, 1.0e-6) << bound.control << " " << act << ", step " << step;
-        EXPECT_EQ (std::exchange (edits.heard, ""), "begin set end ") << bound.control << " " << act;
     }
 }
 
