@@ -105,6 +105,7 @@ TEST (Binding, RestoredStateReachesTheOpenWindowAndTheNext)
     source.set (mainRange, 1.0f);
     source.set (timbRange, 5.0f);
     source.set (mainSnap, 0.45f);
+    source.set (timbSnap, 0.5f);
     source.set (midiOptions, 0.0f);
     juce::MemoryBlock state;
     source.processor.getStateInformation (state);
