@@ -252,7 +252,7 @@ TEST (Focus, ShowsARingAroundEveryControlInTurnUntilItLeaves)
 }
 
 // A program of the plug-in's own whose window holds the keyboard, with no way from there to the controls; bounds that a host gave
-// before the window was shown, and that are lost then.
+// before the window was shown, and that are lost then; a panel that keeps its half in a window that has room for the whole.
 TEST (Showing, PassesTheKeyboardOnAndKeepsTheBounds)
 {
     juce::Component window;
@@ -268,6 +268,10 @@ TEST (Showing, PassesTheKeyboardOnAndKeepsTheBounds)
     HostWindow::screen->focusTopmostWindow();
     EXPECT_TRUE (pumpMessagesUntil ([&] { return rig.editor->hasKeyboardFocus (false); }));
     EXPECT_EQ (rig.editor->getBounds(), bounds);
+
+    rig.editor->setSize (512, 288);
+    rig.set (toggleSize, 1.0f);
+    EXPECT_EQ (rig.control ("mainWheelSlider").getX(), EditorRig (0, true).control ("mainWheelSlider").getX());
 }
 } // namespace
 } // namespace tarvelline::test
