@@ -70,9 +70,9 @@ TEST_F (RenderTest, FilesOfEveryKindComeBackAsTheyWere)
         double error;         // greatest
     };
 
-    const auto noise = whiteNoise (24000);
-    write ("in.aiff", { 48000.0, { sine (tone, 48000.0, 0.5, 0.5), noise } });
-    write ("loud.wav", { 48000.0, { sine (tone, 48000.0, 0.5, 1.4), noise } });
+    const auto noise = whiteNoise (21000); // FLAC's last block is a short one
+    write ("in.aiff", { 48000.0, { sine (tone, 48000.0, 0.4375, 0.5), noise } });
+    write ("loud.wav", { 48000.0, { sine (tone, 48000.0, 0.4375, 1.4), noise } });
 
     for (const auto& [name, options, format, channels, error] :
          { Kind { "x.flac", "--bits 24", SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 8, 0.0 },
@@ -96,13 +96,15 @@ TEST_F (RenderTest, FilesOfEveryKindComeBackAsTheyWere)
         const auto input = read (in).channels.front(), output = read ("out.wav").channels.front();
         ASSERT_EQ (output.size(), input.size() + 2 * latency) << name;
 
-        for (std::size_t i = 2000; i < 22000; ++i)
+        for (std::size_t i = 2000; i < 19000; ++i)
             ASSERT_NEAR (output[i], input[i], error) << name << " at " << i;
 
         if (juce::String (options).startsWith ("--bits")) // as many as unless told
         {
             expect (run (in + " same-" + made + " --set mixerPar=0"));
             EXPECT_TRUE (file ("same-" + made).hasIdenticalContentTo (file (made))) << name;
+            shell ("head -c -8 " + made + " > part");
+            EXPECT_TRUE (run ("part out.wav").text.contains ("cut off")) << name;
         }
 
         shell ("head -c $(($(stat -c %s " + made + ") * 3 / 5)) " + made + " > part");
