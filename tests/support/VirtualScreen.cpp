@@ -64,6 +64,7 @@ struct VirtualScreen::Connection
     {
         Window root = 0, parent = 0, *children = nullptr;
         unsigned count = 0;
+        const auto strict = XSetErrorHandler ([] (Display*, XErrorEvent*) { return 0; }); // a window may be gone by now
         XQueryTree (display, DefaultRootWindow (display), &root, &parent, &children, &count);
         std::vector<std::pair<Window, juce::Rectangle<int>>> result;
 
@@ -75,6 +76,7 @@ struct VirtualScreen::Connection
                 result.push_back ({ children[i], { a.x, a.y, a.width, a.height } });
         }
 
+        XSetErrorHandler (strict);
         XFree (children);
         return result;
     }
