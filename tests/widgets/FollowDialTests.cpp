@@ -29,8 +29,8 @@ TEST (FollowDial, ShowsTheShift)
     }
 }
 
-// A ring or a puck enlarged on a fine screen, or resampled twice. At these sizes the pictures for it are copied as they are, the
-// puck's cut at the top.
+// A ring or a puck enlarged on a fine screen, resampled twice, or off its place in the window. At these sizes the pictures for
+// it are copied as they are, the puck's cut at the top.
 TEST (Pictures, AreAsSharpAsAFineScreen)
 {
     using namespace BinaryData;
@@ -38,9 +38,9 @@ TEST (Pictures, AreAsSharpAsAFineScreen)
     EditorRig rig;
 
     for (const auto& [id, size, data, bytes, part, place] :
-         { std::tuple { "pitchDial", Area (222, 222), followWheel2x_png, followWheel2x_pngSize, Area (444, 160),
+         { std::tuple { "pitchDial", Area (31, 20, 222, 222), followWheel2x_png, followWheel2x_pngSize, Area (444, 160),
                         Area (444, 160) },
-           { "mainWheelSlider", Area (356, 250), Puck2x_png, Puck2x_pngSize, Area (0, 17, 110, 101),
+           { "mainWheelSlider", Area (31, 20, 356, 250), Puck2x_png, Puck2x_pngSize, Area (0, 17, 110, 101),
              Area (301, 0, 110, 101) } })
     {
         const auto picture = juce::ImageFileFormat::loadFrom (data, static_cast<size_t> (bytes));
