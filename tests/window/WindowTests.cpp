@@ -145,8 +145,8 @@ TEST (Drag, ReachesTheHostSnappedUnlessShiftIsHeld)
     }
 }
 
-// A menu that does not open, or that closes when the mouse goes elsewhere; an entry that is another's, a scale that is not
-// drawn anew.
+// A menu that does not open, or that closes when the mouse goes elsewhere; a tick or an entry that is another's, a scale that
+// is not drawn anew.
 TEST (RangeMenu, ChoosesTheSpan)
 {
     HostWindow host ({ { toggleSize, 1.0f } });
@@ -159,6 +159,18 @@ TEST (RangeMenu, ChoosesTheSpan)
     ASSERT_EQ (HostWindow::screen->openWindows().size(), windows + 1) << "the menu opens in a window of its own";
 
     const auto menu = HostWindow::screen->openWindows().back();
+    const auto ticks = HostWindow::screen->capture (menu.withWidth (16));
+
+    for (auto entry = 0; entry < 6; ++entry)
+    {
+        const auto row =
+            ticks.getBounds().withHeight (menu.getHeight() / 6).translated (0, menu.getHeight() * entry / 6);
+        EXPECT_EQ (
+            boundsOf (ticks.getClippedImage (row), [] (auto colour) { return luminance (colour) > 0.6; }).isEmpty(),
+            entry != 3)
+            << entry;
+    }
+
     host.click (
         { menu.getCentreX() - HostWindow::x, menu.getY() + menu.getHeight() * 9 / 12 - HostWindow::y }); // 5th of 6
     EXPECT_TRUE (host.runUntil ([&] { return HostWindow::screen->openWindows().size() == windows; }));
