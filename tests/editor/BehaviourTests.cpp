@@ -5,6 +5,7 @@
 #include <atomic>
 #include <span>
 #include <thread>
+#include <utility>
 
 namespace tarvelline::test
 {
