@@ -16,7 +16,7 @@ namespace tarvelline::test
 
     While it stands it is the DISPLAY of this process, which from then on reaches no session bus. It must stand before the
     framework first asks for a display, and until the framework has shut down. One thread. A protocol error ends this
-    process. */
+    process, unless a window closed while they were counted. */
 class VirtualScreen
 {
 public:
